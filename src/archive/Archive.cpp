@@ -1,0 +1,133 @@
+#include "archive/Archive.h"
+
+#include <sqlite3.h>
+
+#include "platform/Dialogs.h"
+#include "platform/Files.h"
+
+namespace quillery::archive {
+namespace {
+
+// The signature that stands in for the desktop bundle's creator code.
+constexpr char kSignature[] = "QLRY";
+
+bool isNotADatabase(int code) { return code == SQLITE_NOTADB || code == SQLITE_CORRUPT; }
+
+}  // namespace
+
+const char* const Archive::kCreateEmail =
+    "CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL,from_fld varchar(127) NOT NULL,"
+    "to_fld varchar(127) NOT NULL,subj_fld varchar(127) NOT NULL,date_fld datetime NOT NULL,"
+    "mailbox varchar(127) NOT NULL,mailto varchar(127) NOT NULL,body_fld mediumtext NOT NULL,"
+    "numAttach INTEGER NOT NULL DEFAULT 0);";
+const char* const Archive::kCreateAttachments =
+    "CREATE TABLE attachments (id INT,type_fld varchar(127) NOT NULL,filename_fld varchar(127) "
+    "NOT NULL,encode_fld INT default 0,attach_fld BLOB NOT NULL);";
+const char* const Archive::kCreateOrigemail =
+    "CREATE TABLE origemail (id INTEGER PRIMARY KEY,orig_fld BLOB NOT NULL);";
+const char* const Archive::kCreateTags =
+    "CREATE TABLE tags (id INTEGER PRIMARY KEY,cat_fld varchar(127) NOT NULL,key_fld "
+    "varchar(127) NOT NULL,priority_fld INT DEFAULT 0,notes_fld BLOB NOT NULL);";
+const char* const Archive::kOldFormatMessage =
+    "This appears to be a pre-version 7.4.1 database format. The database format has been "
+    "revised.  You can convert your old database files to the new format by selecting "
+    "'Convert Database to New Format' from the File menu.";
+
+Archive::Archive(platform::Dialogs& dialogs, platform::Files& files)
+    : dialogs_(dialogs), files_(files) {}
+
+Archive::~Archive() { close(); }
+
+void Archive::close() {
+  if (archiveConnection == nullptr) return;
+  sqlite3_close(archiveConnection);
+  archiveConnection = nullptr;
+}
+
+ExecResult Archive::exec(const QString& sql, int (*callback)(void*, int, char**, char**),
+                         void* context) {
+  ExecResult result;
+  char* error = nullptr;
+  const QByteArray utf8 = sql.toUtf8();
+  result.code = sqlite3_exec(archiveConnection, utf8.constData(), callback, context, &error);
+  if (error != nullptr) {
+    result.error = QString::fromUtf8(error);
+    sqlite3_free(error);
+  } else if (result.code != SQLITE_OK) {
+    result.error = QString::fromUtf8(sqlite3_errstr(result.code));
+  }
+  return result;
+}
+
+long long Archive::lastInsertRowId() const {
+  return archiveConnection ? sqlite3_last_insert_rowid(archiveConnection) : 0;
+}
+
+void Archive::openDB(const QString& dbPath) {
+  close();
+  const QByteArray path = dbPath.toUtf8();
+  // SQLite would take an empty name as a private temporary database; for the user it is
+  // no archive file at all.
+  const int code = dbPath.isEmpty() ? SQLITE_CANTOPEN
+                                    : sqlite3_open(path.constData(), &archiveConnection);
+  if (code != SQLITE_OK) {
+    const QString error = QString::fromUtf8(archiveConnection ? sqlite3_errmsg(archiveConnection)
+                                                              : sqlite3_errstr(code));
+    if (!isNotADatabase(code) && !dbPath.isEmpty()) {
+      dialogs_.critical(QString(), QStringLiteral("SQL Error: %1 %2").arg(dbPath, error));
+    } else {
+      dialogs_.critical(QStringLiteral("Open Failed"),
+                        QStringLiteral("%1 is not a valid database file.").arg(dbPath));
+    }
+    // A failed open still hands back a handle that must be released.
+    close();
+    openFailed = true;
+    return;
+  }
+  setFileCreator(dbPath);
+
+  if (!ensureTable("SELECT id FROM email LIMIT 1", kCreateEmail)) return;
+  if (!exec(QStringLiteral("SELECT numAttach FROM email LIMIT 1")).ok()) {
+    dialogs_.critical(QStringLiteral("Open Failed"), QString::fromUtf8(kOldFormatMessage));
+    openFailed = true;
+    return;
+  }
+  if (!ensureTable("SELECT id FROM attachments LIMIT 1", kCreateAttachments)) return;
+  if (!ensureTable("SELECT id FROM origemail LIMIT 1", kCreateOrigemail)) return;
+  if (!ensureTable("SELECT id FROM tags LIMIT 1", kCreateTags)) return;
+  ensureIndexes();
+}
+
+bool Archive::ensureTable(const char* probe, const char* create) {
+  if (exec(QString::fromUtf8(probe)).ok()) return true;
+  const ExecResult created = exec(QString::fromUtf8(create));
+  if (created.ok()) return true;
+  reportCreateFailure(created);
+  openFailed = true;
+  return false;
+}
+
+void Archive::reportCreateFailure(const ExecResult& result) {
+  if (isNotADatabase(result.code)) {
+    dialogs_.critical(QStringLiteral("Open Failed"),
+                      QStringLiteral("This is not a valid database file."));
+  } else {
+    dialogs_.critical(QString(),
+                      QStringLiteral("SQL Error: %1 %2").arg(result.code).arg(result.error));
+  }
+}
+
+void Archive::ensureIndexes() {
+  // Beyond the four tables: the duplicate test and the date search look messages up by
+  // date, and every message's attachments are found by id. Failures leave a slower archive.
+  exec(QStringLiteral("CREATE INDEX IF NOT EXISTS email_date_idx ON email(date_fld)"));
+  exec(QStringLiteral("CREATE INDEX IF NOT EXISTS attachments_id_idx ON attachments(id)"));
+}
+
+void Archive::setFileCreator(const QString& path) {
+  const QByteArray code(kSignature);
+  files_.setExtendedAttribute(path, QStringLiteral("user.quillery.creator"), code);
+  files_.setExtendedAttribute(path, QStringLiteral("user.quillery.type"), code);
+}
+
+}  // namespace quillery::archive

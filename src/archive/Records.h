@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace quillery::archive {
+
+// The fields of one email row, as emailRecordCallback fills them and the storing step reads
+// them. The record reader's current message carries the same fields under the same names.
+struct EmailRecord {
+  QString recDate;
+  QString recFrom;
+  QString recTo;
+  QString recSubject;
+  QString recBody;
+  QString recMailbox;
+  QString recMailto;
+  int recNumAttach = 0;
+};
+
+// The fields of one tags row, as tagRecordCallback fills them. Callers set the four texts to ""
+// and tagFound to false before the query; a clear tagFound afterwards means no tags row.
+struct TagRecord {
+  QString tagCategory;
+  QString tagKeywords;
+  QString tagPriority;
+  QString tagNotes;
+  bool tagFound = false;
+
+  void clearTags() {
+    tagCategory.clear();
+    tagKeywords.clear();
+    tagPriority.clear();
+    tagNotes.clear();
+    tagFound = false;
+  }
+};
+
+// The ids idListCallback collects. Callers empty the list and zero the count first.
+struct IdListState {
+  QStringList idList;
+  int idCount = 0;
+};
+
+}  // namespace quillery::archive

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QFile>
+#include <QString>
+
+namespace quillery::ingest {
+
+// The store log beside the archive. It is emptied when a run opens it; writing to a log that
+// failed to open does nothing, so a run never stops for want of its log.
+class StoreLog {
+ public:
+  bool open(const QString& path) {
+    close();
+    file_.setFileName(path);
+    return file_.open(QIODevice::WriteOnly | QIODevice::Truncate);
+  }
+  void write(const QString& text) {
+    if (file_.isOpen()) file_.write(text.toUtf8());
+  }
+  void close() {
+    if (file_.isOpen()) file_.close();
+  }
+  bool isOpen() const { return file_.isOpen(); }
+
+ private:
+  QFile file_;
+};
+
+}  // namespace quillery::ingest

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace quillery::platform {
+
+enum class AlertStyle { Informational, Critical };
+
+// One alert panel as the user sees it. The first button is the default one; an alert
+// without buttons shows a single "OK".
+struct Alert {
+  AlertStyle style = AlertStyle::Informational;
+  QString title;
+  QString message;
+  QStringList buttons;
+};
+
+// What a save panel offers. An empty directory or file name means no preset.
+struct SavePanel {
+  QString title;
+  QString directory;
+  QString fileName;
+  bool canCreateDirectories = true;
+};
+
+// What an open panel offers.
+struct OpenPanel {
+  QString title;
+  QString prompt;
+  bool filesOnly = true;
+  bool multipleSelection = false;
+};
+
+// The desktop's modal alerts and file panels. Every feature reports to the user through
+// this port, so a test can answer the panels and read back every alert shown.
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  // Shows the alert modally and returns the index of the button pressed (0 is the default).
+  virtual int showAlert(const Alert& alert) = 0;
+  // Returns the chosen path, or an empty string when the user cancelled.
+  virtual QString runSavePanel(const SavePanel& panel) = 0;
+  // Returns the chosen paths, or an empty list when the user cancelled.
+  virtual QStringList runOpenPanel(const OpenPanel& panel) = 0;
+
+  // A critical alert with a single "OK", the form of every alert that ends an action.
+  void critical(const QString& title, const QString& message) {
+    showAlert({AlertStyle::Critical, title, message, {}});
+  }
+  // An informational alert with a single "OK".
+  void inform(const QString& title, const QString& message) {
+    showAlert({AlertStyle::Informational, title, message, {}});
+  }
+};
+
+}  // namespace quillery::platform

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+namespace quillery::platform {
+
+// The progress panel that long operations show. The indicator keeps moving on its own while
+// the main thread works; the count is redrawn at once when it changes.
+class Progress {
+ public:
+  virtual ~Progress() = default;
+
+  // Shows the panel in front with this title and starts the moving indicator.
+  virtual void open(const QString& title) = 0;
+  virtual void setTitle(const QString& title) = 0;
+  // Writes the count text and redraws the panel immediately.
+  virtual void showCount(const QString& text) = 0;
+  // Names the item being worked on (the store run's current file and subject).
+  virtual void showItem(const QString& text) = 0;
+  // Shows or hides the count, the item text and the cancel button of a store run.
+  virtual void setRunControlsVisible(bool visible) = 0;
+  // Closes the panel; callers close it when their work ends, also on error paths.
+  virtual void close() = 0;
+
+  // Redraws the count only when it is an exact multiple of step, so a long loop repaints
+  // every step-th item. The step must not be 0.
+  void doProgressCount(int count, int step) {
+    if (count % step == 0) showCount(QString::number(count));
+  }
+};
+
+}  // namespace quillery::platform
