@@ -11,7 +11,9 @@ namespace {
 // The signature that stands in for the desktop bundle's creator code.
 constexpr char kSignature[] = "QLRY";
 
-bool isNotADatabase(int code) { return code == SQLITE_NOTADB || code == SQLITE_CORRUPT; }
+bool isNotADatabase(int code) {
+  return code == SQLITE_NOTADB || code == SQLITE_CORRUPT;
+}
 
 }  // namespace
 
@@ -36,10 +38,13 @@ const char* const Archive::kOldFormatMessage =
 Archive::Archive(platform::Dialogs& dialogs, platform::Files& files)
     : dialogs_(dialogs), files_(files) {}
 
-Archive::~Archive() { close(); }
+Archive::~Archive() {
+  close();
+}
 
 void Archive::close() {
-  if (archiveConnection == nullptr) return;
+  if (archiveConnection == nullptr)
+    return;
   sqlite3_close(archiveConnection);
   archiveConnection = nullptr;
 }
@@ -68,8 +73,8 @@ void Archive::openDB(const QString& dbPath) {
   const QByteArray path = dbPath.toUtf8();
   // SQLite would take an empty name as a private temporary database; for the user it is
   // no archive file at all.
-  const int code = dbPath.isEmpty() ? SQLITE_CANTOPEN
-                                    : sqlite3_open(path.constData(), &archiveConnection);
+  const int code =
+      dbPath.isEmpty() ? SQLITE_CANTOPEN : sqlite3_open(path.constData(), &archiveConnection);
   if (code != SQLITE_OK) {
     const QString error = QString::fromUtf8(archiveConnection ? sqlite3_errmsg(archiveConnection)
                                                               : sqlite3_errstr(code));
@@ -86,22 +91,28 @@ void Archive::openDB(const QString& dbPath) {
   }
   setFileCreator(dbPath);
 
-  if (!ensureTable("SELECT id FROM email LIMIT 1", kCreateEmail)) return;
+  if (!ensureTable("SELECT id FROM email LIMIT 1", kCreateEmail))
+    return;
   if (!exec(QStringLiteral("SELECT numAttach FROM email LIMIT 1")).ok()) {
     dialogs_.critical(QStringLiteral("Open Failed"), QString::fromUtf8(kOldFormatMessage));
     openFailed = true;
     return;
   }
-  if (!ensureTable("SELECT id FROM attachments LIMIT 1", kCreateAttachments)) return;
-  if (!ensureTable("SELECT id FROM origemail LIMIT 1", kCreateOrigemail)) return;
-  if (!ensureTable("SELECT id FROM tags LIMIT 1", kCreateTags)) return;
+  if (!ensureTable("SELECT id FROM attachments LIMIT 1", kCreateAttachments))
+    return;
+  if (!ensureTable("SELECT id FROM origemail LIMIT 1", kCreateOrigemail))
+    return;
+  if (!ensureTable("SELECT id FROM tags LIMIT 1", kCreateTags))
+    return;
   ensureIndexes();
 }
 
 bool Archive::ensureTable(const char* probe, const char* create) {
-  if (exec(QString::fromUtf8(probe)).ok()) return true;
+  if (exec(QString::fromUtf8(probe)).ok())
+    return true;
   const ExecResult created = exec(QString::fromUtf8(create));
-  if (created.ok()) return true;
+  if (created.ok())
+    return true;
   reportCreateFailure(created);
   openFailed = true;
   return false;

@@ -6,7 +6,9 @@
 namespace quillery::archive {
 namespace {
 
-QString text(char** values, int i) { return QString::fromUtf8(values[i]); }
+QString text(char** values, int i) {
+  return QString::fromUtf8(values[i]);
+}
 
 }  // namespace
 
@@ -18,7 +20,8 @@ int singleValueCallback(void* context, int /*columns*/, char** values, char** /*
 
 int columnListCallback(void* context, int columns, char** values, char** /*names*/) {
   auto* archive = static_cast<Archive*>(context);
-  for (int i = 0; i < columns; ++i) archive->columnValues.append(text(values, i));
+  for (int i = 0; i < columns; ++i)
+    archive->columnValues.append(text(values, i));
   ++archive->columnRowCount;
   return 0;
 }
@@ -33,20 +36,22 @@ int idListCallback(void* context, int /*columns*/, char** values, char** /*names
 
 int emailRecordCallback(void* context, int columns, char** values, char** /*names*/) {
   auto* record = static_cast<EmailRecord*>(context);
-  QString* fields[] = {&record->recDate,    &record->recFrom,    &record->recTo,
-                       &record->recSubject, &record->recBody,    &record->recMailbox,
+  QString* fields[] = {&record->recDate,    &record->recFrom, &record->recTo,
+                       &record->recSubject, &record->recBody, &record->recMailbox,
                        &record->recMailto};
-  for (int i = 0; i < 7 && i < columns; ++i) *fields[i] = text(values, i);
+  for (int i = 0; i < 7 && i < columns; ++i)
+    *fields[i] = text(values, i);
   record->recNumAttach = (columns > 7 && values[7]) ? QByteArray(values[7]).toInt() : 0;
   return 0;
 }
 
 int tagRecordCallback(void* context, int columns, char** values, char** /*names*/) {
-  if (columns == 0) return 0;
+  if (columns == 0)
+    return 0;
   auto* tags = static_cast<TagRecord*>(context);
-  QString* fields[] = {&tags->tagCategory, &tags->tagKeywords, &tags->tagPriority,
-                       &tags->tagNotes};
-  for (int i = 0; i < 4 && i < columns; ++i) *fields[i] = text(values, i);
+  QString* fields[] = {&tags->tagCategory, &tags->tagKeywords, &tags->tagPriority, &tags->tagNotes};
+  for (int i = 0; i < 4 && i < columns; ++i)
+    *fields[i] = text(values, i);
   tags->tagFound = true;
   return 0;
 }

@@ -15,10 +15,12 @@ class StoreLog {
     return file_.open(QIODevice::WriteOnly | QIODevice::Truncate);
   }
   void write(const QString& text) {
-    if (file_.isOpen()) file_.write(text.toUtf8());
+    if (file_.isOpen())
+      file_.write(text.toUtf8());
   }
   void close() {
-    if (file_.isOpen()) file_.close();
+    if (file_.isOpen())
+      file_.close();
   }
   bool isOpen() const { return file_.isOpen(); }
 

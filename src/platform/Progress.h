@@ -25,7 +25,8 @@ class Progress {
   // Redraws the count only when it is an exact multiple of step, so a long loop repaints
   // every step-th item. The step must not be 0.
   void doProgressCount(int count, int step) {
-    if (count % step == 0) showCount(QString::number(count));
+    if (count % step == 0)
+      showCount(QString::number(count));
   }
 };
 

@@ -87,9 +87,10 @@ TEST_F(ArchiveTest, TheTableTextsAreTheArchiveFormat) {
 TEST_F(ArchiveTest, OpeningAgainKeepsRowsAndReopensCleanly) {
   const QString file = path(QStringLiteral("a.db"));
   archive.openDB(file);
-  ASSERT_TRUE(archive.exec(QStringLiteral("INSERT INTO email (id,from_fld,to_fld,subj_fld,"
-                                          "date_fld,mailbox,mailto,body_fld) VALUES(NULL,'f',"
-                                          "'t','s','2020-01-01 00:00:00','m','r','b')"))
+  ASSERT_TRUE(archive
+                  .exec(QStringLiteral("INSERT INTO email (id,from_fld,to_fld,subj_fld,"
+                                       "date_fld,mailbox,mailto,body_fld) VALUES(NULL,'f',"
+                                       "'t','s','2020-01-01 00:00:00','m','r','b')"))
                   .ok());
   archive.openDB(file);
   archive.sqlResult.clear();

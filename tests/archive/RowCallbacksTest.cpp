@@ -51,9 +51,8 @@ TEST_F(RowCallbacksTest, ColumnListAppendsRowsInColumnOrder) {
   archive.exec(QStringLiteral("SELECT id,mailbox FROM email ORDER BY id"), columnListCallback,
                &archive);
   EXPECT_EQ(archive.columnRowCount, 2);
-  EXPECT_EQ(archive.columnValues,
-            (QStringList{QStringLiteral("1"), QStringLiteral("INBOX"), QStringLiteral("2"),
-                         QStringLiteral("Sent")}));
+  EXPECT_EQ(archive.columnValues, (QStringList{QStringLiteral("1"), QStringLiteral("INBOX"),
+                                               QStringLiteral("2"), QStringLiteral("Sent")}));
 }
 
 TEST_F(RowCallbacksTest, IdListCollectsEveryRowAsText) {

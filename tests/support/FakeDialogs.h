@@ -33,7 +33,8 @@ class FakeDialogs : public platform::Dialogs {
   // The messages of all alerts shown, in order, for compact assertions.
   QStringList messages() const {
     QStringList out;
-    for (const auto& a : alerts) out.append(a.message);
+    for (const auto& a : alerts)
+      out.append(a.message);
     return out;
   }
 

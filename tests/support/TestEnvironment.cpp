@@ -5,9 +5,13 @@
 
 namespace quillery::test {
 
-QString toolsDir() { return QStringLiteral(QUILLERY_TOOLS_DIR); }
+QString toolsDir() {
+  return QStringLiteral(QUILLERY_TOOLS_DIR);
+}
 
-QString toolPath(const QString& name) { return toolsDir() + QLatin1Char('/') + name; }
+QString toolPath(const QString& name) {
+  return toolsDir() + QLatin1Char('/') + name;
+}
 
 QString corpusDir() {
   const QString fromEnv = qEnvironmentVariable("QUILLERY_CORPUS");

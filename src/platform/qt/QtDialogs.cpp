@@ -19,13 +19,14 @@ int QtDialogs::showAlert(const Alert& alert) {
     box.setInformativeText(alert.message);
   }
 
-  const QStringList buttons = alert.buttons.isEmpty() ? QStringList{QStringLiteral("OK")}
-                                                      : alert.buttons;
+  const QStringList buttons =
+      alert.buttons.isEmpty() ? QStringList{QStringLiteral("OK")} : alert.buttons;
   QList<QAbstractButton*> made;
   for (int i = 0; i < buttons.size(); ++i) {
     const auto role = i == 0 ? QMessageBox::AcceptRole : QMessageBox::RejectRole;
     QPushButton* b = box.addButton(buttons[i], role);
-    if (i == 0) box.setDefaultButton(b);
+    if (i == 0)
+      box.setDefaultButton(b);
     made.append(b);
   }
   box.exec();
@@ -38,21 +39,25 @@ QString QtDialogs::runSavePanel(const SavePanel& panel) {
   QFileDialog dialog(parent_, panel.title, panel.directory);
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
-  if (!panel.fileName.isEmpty()) dialog.selectFile(panel.fileName);
-  if (!panel.canCreateDirectories) dialog.setOption(QFileDialog::ReadOnly, true);
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+  if (!panel.fileName.isEmpty())
+    dialog.selectFile(panel.fileName);
+  if (!panel.canCreateDirectories)
+    dialog.setOption(QFileDialog::ReadOnly, true);
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+    return {};
   return dialog.selectedFiles().constFirst();
 }
 
 QStringList QtDialogs::runOpenPanel(const OpenPanel& panel) {
   QFileDialog dialog(parent_, panel.title);
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
-  dialog.setFileMode(panel.filesOnly
-                         ? (panel.multipleSelection ? QFileDialog::ExistingFiles
-                                                    : QFileDialog::ExistingFile)
-                         : QFileDialog::Directory);
-  if (!panel.prompt.isEmpty()) dialog.setLabelText(QFileDialog::Accept, panel.prompt);
-  if (dialog.exec() != QDialog::Accepted) return {};
+  dialog.setFileMode(panel.filesOnly ? (panel.multipleSelection ? QFileDialog::ExistingFiles
+                                                                : QFileDialog::ExistingFile)
+                                     : QFileDialog::Directory);
+  if (!panel.prompt.isEmpty())
+    dialog.setLabelText(QFileDialog::Accept, panel.prompt);
+  if (dialog.exec() != QDialog::Accepted)
+    return {};
   return dialog.selectedFiles();
 }
 

@@ -7,13 +7,21 @@
 
 namespace quillery::platform {
 
-bool QtFiles::exists(const QString& path) const { return QFileInfo::exists(path); }
+bool QtFiles::exists(const QString& path) const {
+  return QFileInfo::exists(path);
+}
 
-bool QtFiles::remove(const QString& path) { return QFile::remove(path); }
+bool QtFiles::remove(const QString& path) {
+  return QFile::remove(path);
+}
 
-bool QtFiles::copy(const QString& from, const QString& to) { return QFile::copy(from, to); }
+bool QtFiles::copy(const QString& from, const QString& to) {
+  return QFile::copy(from, to);
+}
 
-bool QtFiles::move(const QString& from, const QString& to) { return QFile::rename(from, to); }
+bool QtFiles::move(const QString& from, const QString& to) {
+  return QFile::rename(from, to);
+}
 
 bool QtFiles::setExtendedAttribute(const QString& path, const QString& name,
                                    const QByteArray& value) {

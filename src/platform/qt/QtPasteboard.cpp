@@ -5,8 +5,12 @@
 
 namespace quillery::platform {
 
-void QtPasteboard::setText(const QString& text) { QGuiApplication::clipboard()->setText(text); }
+void QtPasteboard::setText(const QString& text) {
+  QGuiApplication::clipboard()->setText(text);
+}
 
-QString QtPasteboard::text() const { return QGuiApplication::clipboard()->text(); }
+QString QtPasteboard::text() const {
+  return QGuiApplication::clipboard()->text();
+}
 
 }  // namespace quillery::platform

@@ -6,10 +6,13 @@ QtSettings::QtSettings() : settings_(QStringLiteral("Quillery"), QStringLiteral(
 
 QtSettings::QtSettings(const QString& fileName) : settings_(fileName, QSettings::IniFormat) {}
 
-bool QtSettings::contains(const QString& key) const { return settings_.contains(key); }
+bool QtSettings::contains(const QString& key) const {
+  return settings_.contains(key);
+}
 
 QVariant QtSettings::value(const QString& key) const {
-  if (settings_.contains(key)) return settings_.value(key);
+  if (settings_.contains(key))
+    return settings_.value(key);
   return defaults_.value(key);
 }
 
@@ -17,8 +20,12 @@ void QtSettings::setValue(const QString& key, const QVariant& value) {
   settings_.setValue(key, value);
 }
 
-void QtSettings::registerDefaults(const QVariantMap& defaults) { defaults_ = defaults; }
+void QtSettings::registerDefaults(const QVariantMap& defaults) {
+  defaults_ = defaults;
+}
 
-void QtSettings::sync() { settings_.sync(); }
+void QtSettings::sync() {
+  settings_.sync();
+}
 
 }  // namespace quillery::platform

@@ -8,6 +8,8 @@ bool QtWorkspace::openFile(const QString& path) {
   return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
 }
 
-bool QtWorkspace::openUrl(const QUrl& url) { return QDesktopServices::openUrl(url); }
+bool QtWorkspace::openUrl(const QUrl& url) {
+  return QDesktopServices::openUrl(url);
+}
 
 }  // namespace quillery::platform
