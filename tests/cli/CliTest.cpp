@@ -1,0 +1,197 @@
+// quillery-cli as a script runs it: a separate process with its own HOME, real mail, a real
+// archive file, and the exit status and the two output streams checked.
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "MailFixtures.h"
+#include "support/TestEnvironment.h"
+
+namespace quillery::cli {
+namespace {
+
+using test::MailFixtures;
+
+struct CliResult {
+  int exitCode = -1;
+  QString out;
+  QString err;
+};
+
+class CliTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("quillery-cli"))));
+  }
+
+  QString home() const { return homeDir.path(); }
+
+  CliResult cli(const QStringList& arguments) const {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home() + QStringLiteral("/.config"));
+    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
+    process.setProcessEnvironment(environment);
+    process.start(test::toolPath(QStringLiteral("quillery-cli")), arguments);
+    process.closeWriteChannel();
+    if (!process.waitForFinished(120000))
+      return {};
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+  }
+
+  QString mbox(int messages) const {
+    const QString path = homeDir.filePath(QStringLiteral("mail.mbox"));
+    EXPECT_TRUE(MailFixtures::writeMbox(path, messages));
+    return path;
+  }
+
+  static QString readFile(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  }
+
+  QTemporaryDir homeDir;
+};
+
+TEST_F(CliTest, StoringAnMboxPrintsTheSummaryAndListingCountsIt) {
+  const QString archive = homeDir.filePath(QStringLiteral("mail.db"));
+  const CliResult stored = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
+                                QStringLiteral("--mbox"), mbox(20)});
+  EXPECT_EQ(stored.exitCode, 0) << stored.err.toStdString();
+  EXPECT_TRUE(stored.out.startsWith(QStringLiteral(
+      "Parsed: 20\nProcessed: 20\nStored: 20\nDuplicates replaced: 0\nlast file parsed: ")))
+      << stored.out.toStdString();
+  EXPECT_TRUE(stored.out.contains(MailFixtures::subject(19)));
+  EXPECT_EQ(readFile(archive + QStringLiteral(".storelog")), stored.out);
+  EXPECT_EQ(stored.err, QString());  // no terminal, no alert: nothing on standard error
+
+  const CliResult again = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
+                               QStringLiteral("--mbox"), mbox(20), QStringLiteral("--no-source")});
+  EXPECT_EQ(again.exitCode, 0);
+  EXPECT_TRUE(again.out.contains(QStringLiteral("\nStored: 20\nDuplicates replaced: 20\n")));
+
+  const CliResult listed = cli({QStringLiteral("list"), QStringLiteral("--archive"), archive});
+  EXPECT_EQ(listed.exitCode, 0) << listed.err.toStdString();
+  EXPECT_TRUE(listed.out.startsWith(
+      QStringLiteral("20 emails in the database.\n20 emails in this list.\nListed in ")))
+      << listed.out.toStdString();
+}
+
+TEST_F(CliTest, TheArchiveDefaultsToTheSavedPathElseTheDesktop) {
+  const QString mail = mbox(3);
+  // No Desktop folder: the archive cannot be made there, and the alert says why.
+  const CliResult failed = cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail});
+  EXPECT_EQ(failed.exitCode, 1);
+  EXPECT_TRUE(failed.err.startsWith(QStringLiteral("SQL Error: ") + home() +
+                                    QStringLiteral("/Desktop/myemaildb ")))
+      << failed.err.toStdString();
+  EXPECT_EQ(failed.out, QString());
+
+  ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Desktop")));
+  EXPECT_EQ(cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail}).exitCode, 0);
+  EXPECT_TRUE(QFile::exists(home() + QStringLiteral("/Desktop/myemaildb")));
+
+  // The window's saved archive path wins over the default.
+  const QString saved = homeDir.filePath(QStringLiteral("saved.db"));
+  ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral(".config/Quillery")));
+  QFile settings(home() + QStringLiteral("/.config/Quillery/Quillery.conf"));
+  ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+  settings.write("[General]\ndbPath=" + saved.toUtf8() + "\n");
+  settings.close();
+  EXPECT_EQ(cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail}).exitCode, 0);
+  EXPECT_TRUE(QFile::exists(saved));
+}
+
+TEST_F(CliTest, AnArchiveThatCannotBeOpenedFailsWithTheAlertText) {
+  const QString text = homeDir.filePath(QStringLiteral("notes.txt"));
+  QFile file(text);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("These are my notes, not an archive of mail at all.\n");
+  file.close();
+  for (const QString& command : {QStringLiteral("store"), QStringLiteral("list")}) {
+    QStringList arguments{command, QStringLiteral("--archive"), text};
+    if (command == QLatin1String("store"))
+      arguments << QStringLiteral("--mbox") << mbox(1);
+    const CliResult result = cli(arguments);
+    EXPECT_EQ(result.exitCode, 1) << command.toStdString();
+    EXPECT_TRUE(result.err.contains(QStringLiteral("not a valid database file.")))
+        << result.err.toStdString();
+    EXPECT_EQ(result.out, QString());
+  }
+  EXPECT_EQ(readFile(text), QStringLiteral("These are my notes, not an archive of mail at all.\n"));
+}
+
+TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
+  struct Row {
+    QStringList arguments;
+    const char* says;
+  };
+  const Row rows[] = {
+      {{}, "no command given"},
+      {{QStringLiteral("fetch")}, "unknown command 'fetch'"},
+      {{QStringLiteral("store")}, "store needs --mbox, --accounts or --mailboxes"},
+      {{QStringLiteral("store"), QStringLiteral("--mbox")}, "--mbox needs at least one value"},
+      {{QStringLiteral("store"), QStringLiteral("--mbox"), QStringLiteral("a"),
+        QStringLiteral("--accounts"), QStringLiteral("b")},
+       "give only one of"},
+      {{QStringLiteral("store"), QStringLiteral("--accounts"), QStringLiteral("a"),
+        QStringLiteral("--begin"), QStringLiteral("2021-02-30")},
+       "--begin wants a day as YYYY-MM-DD, not '2021-02-30'"},
+      {{QStringLiteral("store"), QStringLiteral("--archive")}, "--archive needs a value"},
+      {{QStringLiteral("list"), QStringLiteral("--trash")}, "unknown option '--trash' for list"},
+  };
+  for (const Row& row : rows) {
+    const CliResult result = cli(row.arguments);
+    EXPECT_EQ(result.exitCode, 2) << row.says;
+    EXPECT_TRUE(result.err.contains(QString::fromUtf8(row.says))) << result.err.toStdString();
+    EXPECT_TRUE(result.err.contains(QStringLiteral("Try 'quillery-cli --help'.")));
+  }
+}
+
+TEST_F(CliTest, HelpDocumentsEveryOption) {
+  const CliResult help = cli({QStringLiteral("--help")});
+  EXPECT_EQ(help.exitCode, 0);
+  for (const char* option : {"store", "list", "--archive", "--mbox", "--accounts", "--mailboxes",
+                             "--begin", "--end", "--no-attachments", "--no-html", "--trash",
+                             "--all-mailboxes", "--no-source", "--progress-lines", "Exit status"})
+    EXPECT_TRUE(help.out.contains(QString::fromUtf8(option))) << option;
+}
+
+TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
+  const QString archive = homeDir.filePath(QStringLiteral("lines.db"));
+  const CliResult result =
+      cli({QStringLiteral("store"), QStringLiteral("--archive"), archive, QStringLiteral("--mbox"),
+           mbox(2000), QStringLiteral("--progress-lines")});
+  EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
+  const QStringList lines = result.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  QStringList storing;
+  for (const QString& line : lines)
+    if (!line.startsWith(QLatin1String("Retrieving")))
+      storing.append(line.section(QLatin1Char(' '), -2, -2));
+  EXPECT_EQ(storing, (QStringList{QStringLiteral("1000"), QStringLiteral("2000")}))
+      << result.err.toStdString();
+}
+
+TEST_F(CliTest, AnAppleMailAccountUnderHomeIsStored) {
+  const QString corpus = test::corpusDir();
+  if (corpus.isEmpty())
+    GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";
+  ASSERT_TRUE(MailFixtures::copyTree(corpus + QStringLiteral("/emlx/Mail"),
+                                     home() + QStringLiteral("/Library/Mail")));
+  const QString archive = homeDir.filePath(QStringLiteral("apple.db"));
+  const CliResult result =
+      cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
+           QStringLiteral("--accounts"), QStringLiteral("POP-sample@pop.example.com")});
+  EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
+  EXPECT_TRUE(result.out.startsWith(QStringLiteral("Parsed: 3\nProcessed: 3\nStored: 3\n")))
+      << result.out.toStdString();
+}
+
+}  // namespace
+}  // namespace quillery::cli

@@ -1,0 +1,315 @@
+// The store run's checks, its conversation with the tool and its ending, driven through a
+// scripted stand-in for the parser tool where the test needs exact arguments and run logs.
+#include <QFile>
+#include <QSignalSpy>
+
+#include "StoreRunFixture.h"
+#include "ingest/StoreSummary.h"
+
+namespace quillery::ingest {
+namespace {
+
+using platform::AlertStyle;
+
+// Speaks the tool's side of the conversation: records its arguments, environment and the
+// answers it gets, announces two messages (after the status chunks), and leaves a run log
+// with the given number of INVALID lines. An announcement goes out through cat, in one write as
+// the tool must (the shell's printf breaks its output at line ends).
+const char kStandIn[] = R"(#!/bin/bash
+out="$STANDIN_OUT"
+printf '%s\n' "$@" > "$out.args"
+printf '%s' "$NSUnbufferedIO" > "$out.env"
+base="${1%.log}"
+printf 'Looking for email'
+sleep 0.3
+for i in 1 2; do
+  printf 'MAILBOX: Box\nFROM:Sender %s <s%s@example.com>\nTO:to@example.com\nSUBJECT:Subject %s\nDATE:2020-02-0%s 08:00:00\nMAILTO:s@example.com\nBODY:body %s\nENDOFBODY:\nENDOFEMAIL:\n' $i $i $i $i $i > "$base.tmp"
+  printf 'RAW:\nsource %s\nENDOFRAW:\n' $i > "$base.raw"
+  printf 'attachment\n'
+  sleep 0.3
+  printf '/mail/file%s\nSubject %s' $i $i > "$out.chunk"
+  cat "$out.chunk"
+  IFS= read -r -n 9 answer || exit 0
+  printf '%s|' "$answer" >> "$out.answers"
+done
+for i in $(seq 1 "${STANDIN_INVALID:-0}"); do echo "INVALID: /bad/file$i.mbox" >> "$1"; done
+echo "PARSED: 5" >> "$1"
+echo "PARSED: 9" >> "$1"
+)";
+
+class StoreRunChecksTest : public StoreRunFixture {
+ protected:
+  void useStandIn(int invalidFiles) {
+    const QString tool = dir.filePath(QStringLiteral("standin.sh"));
+    QFile script(tool);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write(kStandIn);
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    out = dir.filePath(QStringLiteral("standin"));
+    qputenv("STANDIN_OUT", out.toUtf8());
+    qputenv("STANDIN_INVALID", QByteArray::number(invalidFiles));
+    makeRun(tool);
+  }
+  QStringList recordedArguments() const {
+    return readFile(out + QStringLiteral(".args")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+  }
+  QString out;
+};
+
+TEST_F(StoreRunChecksTest, AnEmptyChoiceStopsWithItsAlertBeforeAnythingIsOpened) {
+  QSignalSpy closed(run.get(), &StoreRun::storeDatePanelClosed);
+  counters.storedCount = 7;
+  StoreSwitches mailboxes = allOn();
+  mailboxes.mailboxesState = true;
+  EXPECT_FALSE(run->parseEmail(dbPath(), mailboxes, {}, {{QStringLiteral("acct")}, {}}));
+  EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {{}, {QStringLiteral("box")}}));
+
+  ASSERT_EQ(dialogs.alerts.size(), 2);
+  EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::Critical);
+  EXPECT_EQ(dialogs.alerts[0].message,
+            QStringLiteral("You have not selected any mailboxes to store in the database.  Click "
+                           "on the Setup button to select your mailboxes."));
+  EXPECT_EQ(dialogs.alerts[1].message,
+            QStringLiteral("You have not selected any email accounts to store in the database.  "
+                           "Click on the Setup button to select your email accounts."));
+  // The date panel is closed and the counters reset, and that is all.
+  EXPECT_EQ(closed.size(), 2);
+  EXPECT_EQ(counters.storedCount, 0);
+  EXPECT_FALSE(QFile::exists(dbPath()));
+  EXPECT_FALSE(QFile::exists(dbPath() + QStringLiteral(".storelog")));
+}
+
+TEST_F(StoreRunChecksTest, CancelInTheConfirmationStartsNothing) {
+  useStandIn(0);
+  dialogs.setNextAnswer(1);
+  run->sourceList = {dir.filePath(QStringLiteral("some.mbox"))};
+  run->mboxMode = true;
+  EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {}));
+
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts[0].title, QStringLiteral("Store Email in Database"));
+  EXPECT_EQ(dialogs.alerts[0].buttons,
+            (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
+  EXPECT_FALSE(run->isRunning());
+  EXPECT_FALSE(QFile::exists(dbPath()));
+  EXPECT_FALSE(QFile::exists(out + QStringLiteral(".args")));
+  EXPECT_TRUE(run->mboxMode);  // only the end of a run clears it
+}
+
+TEST_F(StoreRunChecksTest, TheConfirmationNamesWhatWillBeStored) {
+  struct Row {
+    const char* name;
+    bool mbox, attach, allmb, trash;
+    QString expected;
+  };
+  const QString at = QStringLiteral("database file at ") + dbPath() + QLatin1Char('.');
+  const QString head = QStringLiteral("Quillery will store and index the text ");
+  const QString boxes = QStringLiteral(
+      "of all emails in the In boxes and Sent boxes of your selected email accounts, ");
+  const QString trash = QStringLiteral(" The Trash & Junk mailboxes will also be stored.");
+  const Row rows[] = {
+      {"mbox", true, true, true, false,
+       QStringLiteral("Quillery will store and index the email in the selected mbox files, "
+                      "into the ") +
+           at},
+      {"mbox with trash", true, false, false, true,
+       QStringLiteral("Quillery will store and index the email in the selected mbox files, "
+                      "into the ") +
+           at + trash},
+      {"accounts, text only", false, false, false, false,
+       head + boxes + QStringLiteral("into the ") + at},
+      {"accounts with attachments", false, true, false, false,
+       head + QStringLiteral("and attachments ") + boxes + QStringLiteral("into the ") + at},
+      {"all mailboxes and trash", false, false, true, true,
+       head + boxes + QStringLiteral("plus all emails in all of your other mailboxes, into the ") +
+           at + trash},
+  };
+  for (const Row& row : rows) {
+    dialogs.alerts.clear();
+    dialogs.setNextAnswer(1);
+    run->mboxMode = row.mbox;
+    StoreSwitches switches;
+    switches.attachState = row.attach;
+    switches.allmbState = row.allmb;
+    switches.trashState = row.trash;
+    run->parseEmail(dbPath(), switches, {}, {{QStringLiteral("acct")}, {}});
+    ASSERT_EQ(dialogs.alerts.size(), 1) << row.name;
+    EXPECT_EQ(dialogs.alerts[0].message, row.expected) << row.name;
+  }
+}
+
+TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswer) {
+  useStandIn(7);
+  QSignalSpy titles(run.get(), &StoreRun::storePanelTitleChanged);
+  const QString mbox = dir.filePath(QStringLiteral("in.mbox"));
+  const QString summary = storeMbox({mbox});
+
+  EXPECT_EQ(recordedArguments(),
+            (QStringList{dbPath() + QStringLiteral(".log"), "0", "1", "1", "0", "1", "1", "0",
+                         "0000-00-00 00:00:00", "9999-99-99 00:00:00", mbox}));
+  EXPECT_EQ(readFile(out + QStringLiteral(".env")), QStringLiteral("YES"));
+  EXPECT_EQ(readFile(out + QStringLiteral(".answers")), QStringLiteral("go for it|go for it|"));
+
+  QString expected = QStringLiteral(
+      "Parsed: 9\nProcessed: 2\nStored: 2\nDuplicates replaced: 0\n"
+      "last file parsed: /mail/file2\nSubject 2\nInvalid Files: 7\n");
+  for (int i = 1; i <= 6; ++i)
+    expected += QStringLiteral("/bad/file%1.mbox\n").arg(i);
+  expected += QStringLiteral("...\n");
+  EXPECT_EQ(summary, expected);
+  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), expected);
+  ASSERT_FALSE(dialogs.alerts.isEmpty());
+  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
+  EXPECT_EQ(dialogs.alerts.last().message, expected);
+  EXPECT_EQ(titles.last().first().toString(), QStringLiteral("done storing email in ") + dbPath());
+
+  // The three record files are gone, the stored messages are listed, and mbox mode is over.
+  for (const char* suffix : {".log", ".tmp", ".raw"})
+    EXPECT_FALSE(QFile::exists(dbPath() + QLatin1String(suffix))) << suffix;
+  EXPECT_EQ(list.listCount, 2) << progress.events.join(QStringLiteral("#")).toStdString();
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), 2);
+  EXPECT_FALSE(run->mboxMode);
+  EXPECT_EQ(counters.processedCount, 0);
+  EXPECT_TRUE(progress.events.contains(QStringLiteral("title:Processing attachment or HTML...")));
+  EXPECT_TRUE(progress.events.contains(QStringLiteral("item:/mail/file1\nSubject 1")));
+  EXPECT_EQ(progress.events.first(), QStringLiteral("count:0"));
+  EXPECT_TRUE(progress.events.contains(QStringLiteral("controls:0")));
+}
+
+TEST_F(StoreRunChecksTest, DatesAndSourcesShapeTheArguments) {
+  useStandIn(0);
+  StoreDateRange range;
+  range.begin = {QStringLiteral("03"), QStringLiteral("All"), QStringLiteral("2019")};
+  range.end = {QStringLiteral("All"), QStringLiteral("15"), QStringLiteral("All")};
+  StoreSwitches mailboxes = allOn();
+  mailboxes.mailboxesState = true;
+  runToEnd(
+      mailboxes,
+      {{QStringLiteral("acct")}, {QStringLiteral("acct/INBOX\n"), QStringLiteral("acct/Sent")}},
+      range);
+  QStringList args = recordedArguments();
+  ASSERT_EQ(args.size(), 12);
+  EXPECT_EQ(args.mid(5, 5),
+            (QStringList{"0", "1", "1", "2019-03-00 00:00:00", "9999-99-15 00:00:00"}));
+  EXPECT_EQ(args.mid(10), (QStringList{"acct/INBOX", "acct/Sent"}));
+
+  // Accounts are followed by the local mailboxes folder.
+  StoreSwitches accounts = allOn();
+  accounts.allmbState = accounts.trashState = true;
+  runToEnd(accounts, {{QStringLiteral("one"), QStringLiteral("two")}, {}});
+  args = recordedArguments();
+  EXPECT_EQ(args.mid(1, 7), (QStringList{"1", "1", "1", "1", "0", "1", "0"}));
+  EXPECT_EQ(args.mid(10), (QStringList{"one", "two", "Mailboxes"}));
+
+  // In mbox mode the mailboxes switch is passed as 0 whatever it is.
+  run->sourceList = {QStringLiteral("/x.mbox")};
+  run->mboxMode = true;
+  runToEnd(mailboxes);
+  EXPECT_EQ(recordedArguments().at(7), QStringLiteral("0"));
+}
+
+TEST_F(StoreRunChecksTest, AToolThatCannotRunStillEndsTheRun) {
+  makeRun(dir.filePath(QStringLiteral("no-such-tool")));
+  const QString summary = storeMbox({dir.filePath(QStringLiteral("x.mbox"))});
+  EXPECT_EQ(summary, QStringLiteral("Parsed: 0\nProcessed: 0\nStored: 0\nDuplicates replaced: 0\n"
+                                    "last file parsed: \n"));
+  EXPECT_FALSE(run->isRunning());
+  EXPECT_EQ(list.listCount, 0);  // nothing read: the range 999999 to 0 lists nothing
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+}
+
+TEST_F(StoreRunChecksTest, TheDatePanelStartsOnTheNewestStoredDay) {
+  QSignalSpy shown(run.get(), &StoreRun::storeDatePanelShown);
+  EXPECT_FALSE(run->setStoreDate(dbPath()).has_value());  // a new, empty archive
+  EXPECT_EQ(shown.size(), 1);
+
+  archive.openDB(dbPath());
+  archive.exec(QStringLiteral(
+      "INSERT INTO email (date_fld,from_fld,to_fld,subj_fld,mailto,mailbox,body_fld,numAttach) "
+      "VALUES('2021-11-05 23:59:59','f','t','s','m','b','x',0),"
+      "('2017-01-02 00:00:00','f','t','s','m','b','x',0)"));
+  archive.close();
+  QSignalSpy selected(run.get(), &StoreRun::beginStoreDateSelected);
+  const auto begin = run->setStoreDate(dbPath());
+  ASSERT_TRUE(begin.has_value());
+  EXPECT_EQ(begin->year + begin->month + begin->day, QStringLiteral("20211105"));
+  ASSERT_EQ(selected.size(), 1);
+  EXPECT_EQ(selected.first(), (QVariantList{"2021", "11", "05"}));
+  EXPECT_FALSE(archive.isOpen());
+
+  const QString notADatabase = dir.filePath(QStringLiteral("notes.txt"));
+  QFile text(notADatabase);
+  ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+  text.write("plain text, long enough to be taken for a database header by nobody\n");
+  text.close();
+  EXPECT_FALSE(run->setStoreDate(notADatabase).has_value());
+  EXPECT_FALSE(archive.openFailed);
+  EXPECT_EQ(shown.size(), 2);  // not shown for the file that failed
+}
+
+TEST_F(StoreRunChecksTest, ChoosingMboxFilesSwitchesToMboxModeUntilARunEnds) {
+  EXPECT_FALSE(run->openMbox());
+  ASSERT_EQ(dialogs.openPanels.size(), 1);
+  EXPECT_EQ(dialogs.openPanels[0].title, QStringLiteral("Import MBOX Files"));
+  EXPECT_EQ(dialogs.openPanels[0].prompt, QStringLiteral("Open"));
+  EXPECT_TRUE(dialogs.openPanels[0].multipleSelection);
+  EXPECT_FALSE(run->mboxMode);
+
+  dialogs.setNextFileNames({QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")});
+  EXPECT_TRUE(run->openMbox());
+  run->cancelStore();
+  EXPECT_TRUE(run->mboxMode);
+  EXPECT_EQ(run->sourceList, (QStringList{QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")}));
+}
+
+TEST(StoreSummaryTest, SixInvalidFilesAreListedAndASeventhBecomesDots) {
+  QTemporaryDir dir;
+  const QString log = dir.filePath(QStringLiteral("run.log"));
+  for (const int invalid : {6, 7}) {
+    QFile file(log);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("PARSED: 40\nnoise line\n");
+    for (int i = 1; i <= invalid; ++i)
+      file.write(QStringLiteral("INVALID: /m/ü%1\n").arg(i).toUtf8());
+    file.write("PARSED: 41\n");
+    file.close();
+    StoreRunCounters counters;
+    counters.invalidFileCount = 99;
+    QStringList paths;
+    ASSERT_TRUE(StoreSummary::readRunLog(log, counters, paths));
+    EXPECT_EQ(counters.invalidFileCount, invalid);
+    EXPECT_EQ(counters.parsedCount, 41);  // the last PARSED line wins
+    ASSERT_EQ(paths.size(), 6);
+    EXPECT_EQ(paths[0], QStringLiteral("/m/ü1\n"));
+    const QString summary = StoreSummary::compose(counters, QStringLiteral("f\ns"), paths);
+    EXPECT_EQ(summary.endsWith(QStringLiteral("/m/ü6\n...\n")), invalid == 7) << invalid;
+    EXPECT_TRUE(summary.contains(QStringLiteral("Invalid Files: %1\n").arg(invalid)));
+  }
+}
+
+TEST(StoreSummaryTest, WithoutALogTheProcessedCountStandsForParsed) {
+  StoreRunCounters counters;
+  counters.processedCount = 12;
+  counters.invalidFileCount = 3;
+  QStringList paths{QStringLiteral("old\n")};
+  EXPECT_FALSE(StoreSummary::readRunLog(QStringLiteral("/nonexistent/run.log"), counters, paths));
+  EXPECT_EQ(counters.parsedCount, 12);
+  EXPECT_EQ(counters.invalidFileCount, 0);
+  EXPECT_TRUE(paths.isEmpty());
+  EXPECT_EQ(StoreSummary::compose(counters, QString(), paths),
+            QStringLiteral("Parsed: 12\nProcessed: 12\nStored: 0\nDuplicates replaced: 0\n"
+                           "last file parsed: \n"));
+}
+
+TEST(StoreSummaryTest, LeadingIntReadsLikeAtoi) {
+  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("2021-11-05 10:00:00")), 2021);
+  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral(" 123\n")), 123);
+  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("-4x")), -4);
+  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("0")), 0);
+  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("abc")), 0);
+  EXPECT_EQ(StoreSummary::leadingInt(QString()), 0);
+}
+
+}  // namespace
+}  // namespace quillery::ingest

@@ -1,0 +1,203 @@
+// Whole store runs with the real parser tool: generated mail whose every field is known, the
+// shared corpus of real mail, an Apple Mail folder under the test's HOME, a second run over
+// the same mail, and a run cancelled half way.
+#include <QDir>
+#include <QFile>
+
+#include "MailFixtures.h"
+#include "StoreRunFixture.h"
+
+namespace quillery::ingest {
+namespace {
+
+using test::MailFixtures;
+
+class StoreRunEndToEndTest : public StoreRunFixture {
+ protected:
+  QString generatedMbox(int messages) {
+    const QString path = dir.filePath(QStringLiteral("generated.mbox"));
+    EXPECT_TRUE(MailFixtures::writeMbox(path, messages));
+    return path;
+  }
+  int idOf(int i) const {
+    return count(QStringLiteral("SELECT id FROM email WHERE from_fld LIKE 'Sender %1 <%'").arg(i));
+  }
+};
+
+TEST_F(StoreRunEndToEndTest, GeneratedMailIsStoredFieldByField) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))))
+      << "the parser tool is part of the build";
+  constexpr int kMessages = 60;
+  const QString summary = storeMbox({generatedMbox(kMessages)});
+
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), kMessages);
+  EXPECT_TRUE(summary.startsWith(
+      QStringLiteral("Parsed: 60\nProcessed: 60\nStored: 60\nDuplicates replaced: 0\n"
+                     "last file parsed: ")))
+      << summary.toStdString();
+  EXPECT_EQ(summary, QStringLiteral("Parsed: 60\nProcessed: 60\nStored: 60\nDuplicates "
+                                    "replaced: 0\nlast file parsed: ") +
+                         run->lastProgressText + QLatin1Char('\n'));
+  EXPECT_TRUE(run->lastProgressText.contains(MailFixtures::subject(kMessages - 1)));
+  // No SQL error was logged: the store log holds the summary alone.
+  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), summary);
+  EXPECT_EQ(list.listCount, kMessages);
+
+  const QString row = QStringLiteral(" FROM email WHERE id=%1").arg(idOf(10));
+  EXPECT_EQ(scalar(QStringLiteral("SELECT date_fld") + row), QStringLiteral("2018-01-01 10:10:00"));
+  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld") + row), MailFixtures::subject(10));
+  EXPECT_EQ(scalar(QStringLiteral("SELECT to_fld") + row),
+            QStringLiteral("Archive Owner <owner@example.org>"));
+  // Backslashes reach the archive doubled; readers of the archive expect that.
+  EXPECT_TRUE(scalar(QStringLiteral("SELECT body_fld") + row)
+                  .contains(QStringLiteral("Path C:\\\\temp\\\\10")));
+  // Decoded headers and a subject with double quotes.
+  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld FROM email WHERE id=%1").arg(idOf(3))),
+            QStringLiteral("Grüße 3"));
+  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld FROM email WHERE id=%1").arg(idOf(4))),
+            QStringLiteral("Say \"cheese\" 4"));
+
+  // The attachment of message 7, in base64 as the tool delivered it, counted on its row.
+  const int withAttachment = idOf(7);
+  EXPECT_EQ(count(QStringLiteral("SELECT numAttach FROM email WHERE id=%1").arg(withAttachment)),
+            1);
+  EXPECT_TRUE(scalar(QStringLiteral("SELECT body_fld FROM email WHERE id=%1").arg(withAttachment))
+                  .endsWith(QStringLiteral("\nATTACHMENTS:")));
+  EXPECT_EQ(
+      scalar(
+          QStringLiteral("SELECT filename_fld FROM attachments WHERE id=%1").arg(withAttachment)),
+      QStringLiteral("file7.bin"));
+  EXPECT_EQ(
+      count(QStringLiteral("SELECT encode_fld FROM attachments WHERE id=%1").arg(withAttachment)),
+      1);
+  const QString blob =
+      scalar(QStringLiteral("SELECT attach_fld FROM attachments WHERE id=%1").arg(withAttachment));
+  EXPECT_EQ(QByteArray::fromBase64(blob.toLatin1()), MailFixtures::attachmentBytes(7));
+  EXPECT_EQ(
+      count(QStringLiteral("SELECT count(*) FROM attachments WHERE filename_fld LIKE 'file%'")),
+      12);  // every fifth message of sixty
+
+  // The source of each message is kept.
+  EXPECT_TRUE(scalar(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(idOf(10)))
+                  .contains(QStringLiteral("Message-ID: <gen10@fixtures.example>")));
+}
+
+TEST_F(StoreRunEndToEndTest, ASecondRunReplacesEveryMessageAndKeepsTheirTags) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  constexpr int kMessages = 25;
+  const QString mbox = generatedMbox(kMessages);
+  storeMbox({mbox});
+  const int oldHighest = count(QStringLiteral("SELECT max(id) FROM email"));
+  const int tagged = idOf(2);
+  sqlite3* handle = nullptr;
+  ASSERT_EQ(sqlite3_open(dbPath().toUtf8().constData(), &handle), SQLITE_OK);
+  ASSERT_EQ(
+      sqlite3_exec(handle,
+                   QStringLiteral("INSERT INTO tags VALUES(%1,'Work','alpha beta',2,'keep me')")
+                       .arg(tagged)
+                       .toUtf8()
+                       .constData(),
+                   nullptr, nullptr, nullptr),
+      SQLITE_OK);
+  sqlite3_close(handle);
+
+  const QString summary = storeMbox({mbox});
+  EXPECT_TRUE(summary.startsWith(
+      QStringLiteral("Parsed: 25\nProcessed: 25\nStored: 25\nDuplicates replaced: 25\n")))
+      << summary.toStdString();
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), kMessages);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM attachments")), 5);
+  EXPECT_GT(count(QStringLiteral("SELECT min(id) FROM email")), oldHighest);
+  const int retagged = idOf(2);
+  EXPECT_EQ(scalar(QStringLiteral("SELECT cat_fld||'|'||key_fld||'|'||priority_fld||'|'||notes_fld "
+                                  "FROM tags WHERE id=%1")
+                       .arg(retagged)),
+            QStringLiteral("Work|alpha beta|2|keep me"));
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM tags")), 1);
+  // The list shows the new copies, the tagged one with its marker.
+  ASSERT_EQ(list.emailRows.size(), kMessages);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM tags WHERE id=%1").arg(tagged)), 0);
+}
+
+TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  constexpr int kMessages = 300;
+  progress.atCount = QStringLiteral("50");
+  progress.action = [this] { run->cancelParse(); };
+  const QString summary = storeMbox({generatedMbox(kMessages)});
+
+  const int stored = count(QStringLiteral("SELECT count(*) FROM email"));
+  EXPECT_GE(stored, 50);
+  EXPECT_LT(stored, kMessages);
+  EXPECT_TRUE(summary.contains(QStringLiteral("\nStored: %1\n").arg(stored)))
+      << summary.toStdString();
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+  EXPECT_FALSE(run->isRunning());
+  EXPECT_FALSE(archive.openFailed);
+  for (const char* suffix : {".log", ".tmp", ".raw"})
+    EXPECT_FALSE(QFile::exists(dbPath() + QLatin1String(suffix))) << suffix;
+
+  // The archive takes the rest in a later run.
+  progress.action = nullptr;
+  const QString rest = storeMbox({dir.filePath(QStringLiteral("generated.mbox"))});
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
+  EXPECT_TRUE(rest.contains(QStringLiteral("Duplicates replaced: %1\n").arg(stored)))
+      << rest.toStdString();
+}
+
+TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  const QString corpus = test::corpusDir();
+  if (corpus.isEmpty())
+    GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";
+  QStringList mboxes;
+  for (const QString& name :
+       QDir(corpus + QStringLiteral("/mbox")).entryList({QStringLiteral("*.mbox")}, QDir::Files))
+    mboxes.append(corpus + QStringLiteral("/mbox/") + name);
+  ASSERT_FALSE(mboxes.isEmpty());
+  const QString summary = storeMbox(mboxes);
+
+  const int rows = count(QStringLiteral("SELECT count(*) FROM email"));
+  // 6 + 4 + 1 + 29 + 2 messages; the duplicates of a real mailing list fold together.
+  EXPECT_EQ(counters.parsedCount, 0);  // reset after the summary
+  EXPECT_TRUE(summary.startsWith(QStringLiteral("Parsed: 42\nProcessed: 42\n")))
+      << summary.toStdString();
+  EXPECT_TRUE(summary.contains(QStringLiteral("\nDuplicates replaced: %1\n").arg(42 - rows)))
+      << summary.toStdString();
+  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), summary);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), rows);
+  EXPECT_GT(count(QStringLiteral("SELECT count(*) FROM email WHERE subj_fld LIKE '%Russia%' OR "
+                                 "body_fld LIKE '%From Russia with love%'")),
+            0);
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+}
+
+TEST_F(StoreRunEndToEndTest, AppleMailAccountsUnderHomeAreStored) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  const QString corpus = test::corpusDir();
+  if (corpus.isEmpty())
+    GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";
+  const QString mail = QDir::homePath() + QStringLiteral("/Library/Mail");
+  ASSERT_TRUE(MailFixtures::copyTree(corpus + QStringLiteral("/emlx/Mail"), mail));
+  const QString summary = runToEnd(allOn(), {{QStringLiteral("IMAP-sample@imap.example.com"),
+                                              QStringLiteral("POP-sample@pop.example.com")},
+                                             {}});
+
+  // Ten IMAP and three POP messages; 114893 is a byte-identical copy of 114892.
+  EXPECT_TRUE(
+      summary.startsWith(QStringLiteral("Parsed: 13\nProcessed: 13\nStored: 13\n"
+                                        "Duplicates replaced: 1\n")))
+      << summary.toStdString();
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), 12);
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), 12);
+  EXPECT_GT(count(QStringLiteral("SELECT count(*) FROM attachments")), 0);
+  // Sources are stored without the mail client's trailer.
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail WHERE orig_fld LIKE '%<plist%'")),
+            0);
+  EXPECT_EQ(list.listCount, 12);
+}
+
+}  // namespace
+}  // namespace quillery::ingest

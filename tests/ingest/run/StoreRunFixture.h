@@ -1,0 +1,103 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <ctime>
+#include <functional>
+#include <memory>
+
+#include "archive/Archive.h"
+#include "ingest/StoreRun.h"
+#include "platform/qt/QtFiles.h"
+#include "search/ResultList.h"
+#include "support/FakeDialogs.h"
+#include "support/FakeProgress.h"
+#include "support/TestEnvironment.h"
+
+namespace quillery::ingest {
+
+// Progress that can act when the run shows a given count, as a user pressing cancel would.
+class ActingProgress : public test::FakeProgress {
+ public:
+  void showCount(const QString& text) override {
+    FakeProgress::showCount(text);
+    if (text == atCount && action)
+      action();
+  }
+  QString atCount;
+  std::function<void()> action;
+};
+
+// A store run over real objects: a real archive file in a temporary folder, the real result
+// list and, unless a test says otherwise, the real parser tool of the build.
+class StoreRunFixture : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    // The tool writes dates in local time; fixing the zone makes them predictable.
+    qputenv("TZ", "UTC");
+    tzset();
+    makeRun(test::toolPath(QStringLiteral("domail")));
+  }
+
+  void makeRun(const QString& tool) {
+    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool);
+  }
+
+  QString dbPath() const { return dir.filePath(QStringLiteral("archive")); }
+
+  static StoreSwitches allOn() { return {false, true, true, false, true, false}; }
+
+  // Starts the run and waits for its end; returns the summary ("" when it did not start).
+  QString runToEnd(const StoreSwitches& switches, const StoreSources& sources = {},
+                   const StoreDateRange& dates = {}) {
+    QSignalSpy finished(run.get(), &StoreRun::finished);
+    if (!run->parseEmail(dbPath(), switches, dates, sources))
+      return {};
+    if (finished.isEmpty() && !finished.wait(120000))
+      return QStringLiteral("(the run did not end)");
+    return finished.first().first().toString();
+  }
+
+  QString storeMbox(const QStringList& files, const StoreSwitches& switches = allOn()) {
+    run->sourceList = files;
+    run->mboxMode = true;
+    return runToEnd(switches);
+  }
+
+  // One value read on a connection of the test's own; "" for no row or NULL.
+  QString scalar(const QString& sql) const {
+    QString out;
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(dbPath().toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_exec(
+        db, sql.toUtf8().constData(),
+        [](void* ctx, int, char** v, char**) {
+          *static_cast<QString*>(ctx) = v[0] ? QString::fromUtf8(v[0]) : QString();
+          return 0;
+        },
+        &out, nullptr);
+    sqlite3_close(db);
+    return out;
+  }
+  int count(const QString& sql) const { return scalar(sql).toInt(); }
+
+  QString readFile(const QString& path) const {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  }
+
+  QTemporaryDir dir;
+  test::FakeDialogs dialogs;
+  ActingProgress progress;
+  platform::QtFiles files;
+  archive::Archive archive{dialogs, files};
+  search::ResultList list{archive, dialogs, progress};
+  CurrentMessage message;
+  StoreRunCounters counters;
+  std::unique_ptr<StoreRun> run;
+};
+
+}  // namespace quillery::ingest
