@@ -1,10 +1,5 @@
 #include "ingest/StoreRun.h"
 
-// The run drives the record reader, the storing step and the result list, which are written
-// alongside it; until all three are in the tree the library builds without the run.
-#if __has_include("ingest/EmailStore.h") && __has_include("ingest/RecordReader.h") && \
-                                                          __has_include("search/ResultList.h")
-
 #include <QFile>
 #include <QProcessEnvironment>
 #include <QStringDecoder>
@@ -371,5 +366,3 @@ void StoreRun::listStoredMessages() {
 }
 
 }  // namespace quillery::ingest
-
-#endif

@@ -1,0 +1,251 @@
+#include "ingest/EmailStore.h"
+
+#include <sqlite3.h>
+
+#include "archive/Archive.h"
+#include "archive/RowCallbacks.h"
+#include "ingest/LinePieces.h"
+#include "ingest/SqlText.h"
+#include "ingest/StoreLog.h"
+#include "ingest/StoreSummary.h"
+#include "platform/Dialogs.h"
+#include "platform/Progress.h"
+
+namespace quillery::ingest {
+namespace {
+
+bool isNotADatabase(int code) {
+  return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+// "…"%1"" pieces are appended, never formatted with arg(): mail text may hold "%1" itself.
+void appendQuoted(QString& statement, const QString& value) {
+  statement += QLatin1Char('"');
+  statement += value;
+  statement += QLatin1Char('"');
+}
+
+}  // namespace
+
+EmailStore::EmailStore(archive::Archive& archive, CurrentMessage& message,
+                       StoreRunCounters& counters, StoreLog& storeLog, platform::Dialogs& dialogs,
+                       platform::Progress& progress)
+    : archive_(archive),
+      message_(message),
+      counters_(counters),
+      storeLog_(storeLog),
+      dialogs_(dialogs),
+      progress_(progress) {}
+
+QString EmailStore::duplicateStatement(const QString& date, const QString& to, const QString& from,
+                                       const QString& subject) {
+  QString statement = QStringLiteral("SELECT id FROM email WHERE date_fld=");
+  appendQuoted(statement, date);
+  statement += QLatin1String(" AND to_fld=");
+  appendQuoted(statement, to);
+  statement += QLatin1String(" AND from_fld=");
+  appendQuoted(statement, from);
+  statement += QLatin1String(" AND subj_fld=");
+  appendQuoted(statement, subject);
+  return statement;
+}
+
+void EmailStore::storeEmail(int numAttach) {
+  CurrentMessage& m = message_;
+  m.storeBody = m.storeBody.trimmed();
+  archive_.sqlResult.clear();
+  for (QString* field : {&m.recFrom, &m.recTo, &m.recSubject, &m.recMailto, &m.recMailbox})
+    SqlText::escapeSqlText(*field);
+
+  const archive::ExecResult found =
+      archive_.exec(duplicateStatement(m.recDate, m.recTo, m.recFrom, m.recSubject),
+                    archive::singleValueCallback, &archive_);
+  if (!found.ok())
+    storeLog_.write(QStringLiteral("SQL error: ") + found.error + QLatin1Char('\n'));
+  const int duplicate = StoreSummary::leadingInt(archive_.sqlResult);
+  if (duplicate != 0)
+    replaceDuplicate(duplicate);
+
+  if (!insertEmail(numAttach))
+    return;
+  if (!insertTags())
+    return;
+  if (origState_ && !insertRawSource())
+    return;
+  m.messageStored = true;
+}
+
+void EmailStore::replaceDuplicate(int id) {
+  ++counters_.duplicateCount;
+  message_.tagFound = false;
+  // The tags the user gave the earlier copy replace those of the record.
+  const archive::ExecResult tags = archive_.exec(
+      QStringLiteral("SELECT cat_fld,key_fld,priority_fld,notes_fld FROM tags WHERE id=%1").arg(id),
+      archive::tagRecordCallback, static_cast<archive::TagRecord*>(&message_));
+  if (!tags.ok())
+    dialogs_.critical(QString(), QStringLiteral("SQL error: ") + tags.error);
+  if (message_.tagFound)
+    deleteOrLog(QStringLiteral("DELETE FROM tags WHERE id=%1").arg(id));
+  deleteOrLog(QStringLiteral("DELETE FROM attachments WHERE id=%1").arg(id));
+  deleteOrLog(QStringLiteral("DELETE FROM email WHERE id=%1").arg(id));
+  deleteOrLog(QStringLiteral("DELETE FROM origemail WHERE id=%1").arg(id));
+}
+
+void EmailStore::deleteOrLog(const QString& statement) {
+  const archive::ExecResult result = archive_.exec(statement);
+  if (!result.ok())
+    storeLog_.write(QStringLiteral("SQL error: ") + result.error + QLatin1Char('\n'));
+}
+
+bool EmailStore::insertEmail(int numAttach) {
+  CurrentMessage& m = message_;
+  // The unescaped body waits in sqlText for a second attempt; an empty body means none.
+  archive_.sqlText = m.storeBody;
+  for (;;) {
+    QString statement = QStringLiteral(
+        "INSERT INTO email (id,date_fld,from_fld,to_fld,subj_fld,mailto,mailbox,body_fld,"
+        "numAttach) VALUES(NULL");
+    for (const QString* value :
+         {&m.recDate, &m.recFrom, &m.recTo, &m.recSubject, &m.recMailto, &m.recMailbox}) {
+      statement += QLatin1Char(',');
+      appendQuoted(statement, *value);
+    }
+    // Header values lose their line ends (the mailbox carries one); the body keeps them.
+    SqlText::removeNewlines(statement);
+    SqlText::escapeSqlText(m.storeBody);
+    statement.reserve(statement.size() + m.storeBody.size() + 16);
+    statement += QLatin1Char(',');
+    appendQuoted(statement, m.storeBody);
+    statement += QLatin1Char(',') + QString::number(numAttach) + QLatin1Char(')');
+
+    const archive::ExecResult result = archive_.exec(statement);
+    if (result.ok()) {
+      archive_.sqlText.clear();
+      ++counters_.storedCount;
+      m.lastStoredId = int(archive_.lastInsertRowId());
+      return true;
+    }
+    if (isNotADatabase(result.code)) {
+      reportCorruptArchive();
+      archive_.sqlText.clear();
+      return false;
+    }
+    if (archive_.sqlText.isEmpty())
+      return false;  // given up without a word, as on the second attempt
+    storeLog_.write(QStringLiteral("SQL error for this email: ") + messageSuffix(result.code));
+    ++counters_.sqlErrorCount;
+    m.recSubject.clear();
+    m.storeBody = archive_.sqlText;
+    archive_.sqlText.clear();
+  }
+}
+
+bool EmailStore::insertTags() {
+  const CurrentMessage& m = message_;
+  if (m.tagCategory.isEmpty() && m.tagKeywords.isEmpty() && m.tagNotes.isEmpty() &&
+      m.tagPriority.isEmpty())
+    return true;
+  // The tag values go in as they are, unescaped.
+  QString statement =
+      QStringLiteral("INSERT INTO tags (id,cat_fld,key_fld,priority_fld,notes_fld) VALUES(") +
+      QString::number(m.lastStoredId) + QLatin1Char(',');
+  appendQuoted(statement, m.tagCategory);
+  statement += QLatin1Char(',');
+  appendQuoted(statement, m.tagKeywords);
+  statement += QLatin1Char(',') + QString::number(StoreSummary::leadingInt(m.tagPriority)) +
+               QLatin1Char(',');
+  appendQuoted(statement, m.tagNotes);
+  statement += QLatin1Char(')');
+  SqlText::removeNewlines(statement);
+  const archive::ExecResult result = archive_.exec(statement);
+  if (result.ok())
+    return true;
+  dialogs_.critical(QString(), QStringLiteral("SQL error: ") + result.error);
+  return false;
+}
+
+bool EmailStore::insertRawSource() {
+  const std::optional<QByteArray> bytes = LinePieces::readFile(paths_.rawFile);
+  if (!bytes) {
+    dialogs_.critical(QString(), QStringLiteral("Couldn't open ") + paths_.rawFile);
+    progress_.close();
+    progress_.setRunControlsVisible(false);
+    return false;
+  }
+  QString source;
+  source.reserve(bytes->size());
+  LinePieces pieces(*bytes);
+  QByteArrayView piece;
+  while (pieces.next(piece)) {
+    if (piece.startsWith("RAW:"))
+      continue;
+    if (piece.startsWith("ENDOFRAW:"))
+      break;
+    pieces.appendDecoded(source, piece);
+  }
+  SqlText::escapeSqlText(source);
+  QString statement = QStringLiteral("INSERT INTO origemail (id,orig_fld) VALUES(") +
+                      QString::number(message_.lastStoredId) + QLatin1Char(',');
+  statement.reserve(statement.size() + source.size() + 4);
+  appendQuoted(statement, source);
+  statement += QLatin1Char(')');
+  source.clear();
+
+  const archive::ExecResult result = archive_.exec(statement);
+  if (result.ok())
+    return true;
+  if (isNotADatabase(result.code)) {
+    reportCorruptArchive();
+    return false;
+  }
+  storeLog_.write(QStringLiteral("SQL error for raw source of this email: ") +
+                  messageSuffix(result.code));
+  ++counters_.sqlErrorCount;
+  return false;
+}
+
+void EmailStore::doAttachment(QString& attachText) {
+  CurrentMessage& m = message_;
+  const int encoded = m.attachEncoding.contains(QLatin1String("base64"), Qt::CaseInsensitive);
+  SqlText::escapeSqlText(m.attachFilename);
+  SqlText::removeNewlines(m.attachFilename);
+  // The type goes in unescaped.
+  QString statement =
+      QStringLiteral(
+          "INSERT INTO attachments (id,type_fld,filename_fld,encode_fld,attach_fld) "
+          "VALUES(") +
+      QString::number(m.lastStoredId) + QLatin1Char(',');
+  appendQuoted(statement, m.attachType);
+  statement += QLatin1Char(',');
+  appendQuoted(statement, m.attachFilename);
+  statement += QLatin1Char(',') + QString::number(encoded);
+  SqlText::removeNewlines(statement);
+  SqlText::escapeSqlText(attachText);
+  statement.reserve(statement.size() + attachText.size() + 4);
+  statement += QLatin1Char(',');
+  appendQuoted(statement, attachText);
+  statement += QLatin1Char(')');
+
+  const archive::ExecResult result = archive_.exec(statement);
+  if (result.ok())
+    return;
+  storeLog_.write(QStringLiteral("SQL error for attachment ") + m.attachFilename +
+                  QStringLiteral(" in this email: ") + messageSuffix(result.code));
+  ++counters_.sqlErrorCount;
+}
+
+QString EmailStore::messageSuffix(int code) const {
+  const CurrentMessage& m = message_;
+  const QString separator = QStringLiteral("::");
+  return QString::number(code) + QStringLiteral("  ") + m.recDate + separator + m.recFrom +
+         separator + m.recTo + separator + m.recSubject + separator + m.recMailbox +
+         QLatin1Char('\n');
+}
+
+void EmailStore::reportCorruptArchive() {
+  dialogs_.critical(QStringLiteral("Store Failed"),
+                    paths_.dbPath + QStringLiteral(" is not a valid database file."));
+  archive_.openFailed = true;
+}
+
+}  // namespace quillery::ingest

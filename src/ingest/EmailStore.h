@@ -1,0 +1,75 @@
+#pragma once
+
+#include <QString>
+
+#include "ingest/CurrentMessage.h"
+#include "ingest/StorePaths.h"
+#include "ingest/StoreRunCounters.h"
+
+namespace quillery::archive {
+class Archive;
+}
+namespace quillery::platform {
+class Dialogs;
+class Progress;
+}  // namespace quillery::platform
+
+namespace quillery::ingest {
+
+class StoreLog;
+
+// Writes the message that the record reader has left in the current message into the open
+// archive, inside the store run's transaction: an earlier copy of it (same date, to, from and
+// subject) is replaced and its tags carried over, then the email row, the tags row, the raw
+// source (when the source switch is on) and, one call each, the attachment rows follow.
+// SQL errors that do not stop the run go to the store log; the user sees only three alerts:
+// "Store Failed" for an archive that proves corrupt (openFailed is raised, which ends the
+// run), "SQL error: %s" for a failing tags row and "Couldn't open %@" for a missing raw file.
+// The header fields of the current message are escaped in place, so a field carried over to
+// the next record arrives there escaped already.
+class EmailStore {
+ public:
+  EmailStore(archive::Archive& archive, CurrentMessage& message, StoreRunCounters& counters,
+             StoreLog& storeLog, platform::Dialogs& dialogs, platform::Progress& progress);
+
+  // The archive path (named in the corrupt-archive alert) and the raw file of the run.
+  void setPaths(const StorePaths& paths) { paths_ = paths; }
+  // Whether each message's raw source is kept; when off, the raw file is never opened.
+  void setOrigState(bool on) { origState_ = on; }
+
+  // Stores the current message with numAttach as its attachment count. On success
+  // lastStoredId is the new row's id and messageStored is raised; a message whose insert
+  // fails is logged and stored once more with an empty subject, and a message that cannot
+  // be stored even so (or whose body is empty) is dropped without a trace.
+  void storeEmail(int numAttach);
+  // Stores one attachment of the message stored last, under lastStoredId. The text is
+  // escaped in place. A failure is logged; the message row stays.
+  void doAttachment(QString& attachText);
+
+  // The duplicate test: the ids of rows with this date, to, from and subject (escaped).
+  static QString duplicateStatement(const QString& date, const QString& to, const QString& from,
+                                    const QString& subject);
+
+ private:
+  void replaceDuplicate(int id);
+  // Inserts the email row; false when the message could not be stored.
+  bool insertEmail(int numAttach);
+  bool insertTags();
+  bool insertRawSource();
+  // " %d  %s::%s::%s::%s::%s\n" after an error text: the result code and the message's
+  // date, from, to, subject and mailbox.
+  QString messageSuffix(int code) const;
+  void deleteOrLog(const QString& statement);
+  void reportCorruptArchive();
+
+  archive::Archive& archive_;
+  CurrentMessage& message_;
+  StoreRunCounters& counters_;
+  StoreLog& storeLog_;
+  platform::Dialogs& dialogs_;
+  platform::Progress& progress_;
+  StorePaths paths_;
+  bool origState_ = true;
+};
+
+}  // namespace quillery::ingest

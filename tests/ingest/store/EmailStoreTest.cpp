@@ -1,0 +1,194 @@
+// Storing one message: duplicates, escaping, the second attempt, the tags and raw source
+// rows, and the failures that the store log and the alerts report. Failures are made real
+// with triggers on the test archive and with a damaged archive file.
+#include <sqlite3.h>
+
+#include "StoreFixture.h"
+
+namespace quillery::ingest {
+namespace {
+
+using platform::AlertStyle;
+
+class EmailStoreTest : public StoreFixture {
+ protected:
+  void failInsertsWhen(const QString& table, const QString& condition) {
+    sql(QStringLiteral("CREATE TRIGGER fail_%1_%2 BEFORE INSERT ON %1 WHEN %3 BEGIN SELECT "
+                       "RAISE(ABORT, 'refused'); END")
+            .arg(table, QString::number(++triggers_), condition));
+  }
+  int triggers_ = 0;
+  void writeRaw(const QByteArray& source) {
+    writeFile(paths.rawFile, "RAW:\n" + source + "ENDOFRAW:\nafter the end\n");
+  }
+  const QString withBlob = QStringLiteral(
+      "BODY:body\nENDOFBODY:\nATTACH:\nFILENAME:a.txt\nBLOB:\nnew\nENDATTACH:\nENDATTACHMENTS:\n");
+};
+
+TEST_F(EmailStoreTest, ASecondCopyReplacesTheFirstAndKeepsItsTags) {
+  store.setOrigState(true);
+  writeRaw("first source\n");
+  reader.storeInDB(record("Say \"cheese\"", withBlob));
+  const int first = message.lastStoredId;
+  reader.storeInDB(record("Another", "BODY:b\nENDOFBODY:\n"));
+  sql(QStringLiteral("INSERT INTO tags VALUES(%1,'Work','alpha',2,'keep me')").arg(first));
+  sql(QStringLiteral("INSERT INTO attachments VALUES(%1,'t','old.txt',0,'old')").arg(first));
+
+  writeRaw("second source\n");
+  reader.storeInDB(record("Say \"cheese\"", "TAGCAT:Record\nTAGNOTES:mine\n" + withBlob));
+  const int second = message.lastStoredId;
+  EXPECT_GT(second, first);
+  EXPECT_EQ(number("SELECT count(*) FROM email WHERE subj_fld LIKE 'Say%'"), 1);
+  EXPECT_EQ(value(QStringLiteral("SELECT cat_fld||'|'||key_fld||'|'||priority_fld||'|'||notes_fld"
+                                 " FROM tags WHERE id=%1")
+                      .arg(second)),
+            "Work|alpha|2|keep me");
+  EXPECT_EQ(number("SELECT count(*) FROM tags"), 1);
+  EXPECT_EQ(value("SELECT group_concat(filename_fld) FROM attachments"), "a.txt");
+  EXPECT_EQ(value(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(second)),
+            "second source\n");
+  EXPECT_EQ(number(QStringLiteral("SELECT count(*) FROM origemail WHERE id=%1").arg(first)), 0);
+  EXPECT_EQ(counters.duplicateCount, 1);
+  EXPECT_EQ(counters.storedCount, 3);
+
+  // Without tags on the earlier copy the record's own tags stay.
+  reader.storeInDB(record("Say \"cheese\"", "TAGCAT:Record\nTAGPRIORITY:4\nBODY:b\nENDOFBODY:\n"));
+  sql("DELETE FROM tags");
+  reader.storeInDB(record("Say \"cheese\"", "TAGCAT:Record\nTAGPRIORITY:4\nBODY:b\nENDOFBODY:\n"));
+  EXPECT_EQ(value("SELECT cat_fld||'|'||priority_fld||'|'||notes_fld FROM tags"), "Record|4|");
+  EXPECT_EQ(counters.duplicateCount, 3);
+}
+
+TEST_F(EmailStoreTest, BackslashesAreStoredDoubledAndQuotesSingle) {
+  reader.storeInDB(record("Say \"cheese\" \\o/", "BODY:Path C:\\temp \"quoted\"\nENDOFBODY:\n"));
+  EXPECT_EQ(value("SELECT subj_fld FROM email"), "Say \"cheese\" \\\\o/");
+  EXPECT_EQ(value("SELECT body_fld FROM email"), "Path C:\\\\temp \"quoted\"");
+}
+
+TEST_F(EmailStoreTest, AFailingInsertIsLoggedOnceAndRetriedWithAnEmptySubject) {
+  failInsertsWhen("email", "NEW.subj_fld LIKE '%poison%'");
+  reader.storeInDB(record("poison \"pill\"", "BODY:kept\nENDOFBODY:\n"));
+  EXPECT_EQ(value("SELECT subj_fld||'|'||body_fld FROM email"), "|kept");
+  EXPECT_EQ(storeLogText(), QStringLiteral("SQL error for this email: 19  2020-03-04 05:06:07::"
+                                           "Ann <ann@example.com>::bob@example.com::"
+                                           "poison \"\"pill\"\"::Box\n\n"));
+  EXPECT_EQ(counters.sqlErrorCount, 1);
+  EXPECT_EQ(counters.storedCount, 1);
+  EXPECT_TRUE(message.messageStored);
+
+  // An empty body has no second attempt, and a second failure gives up: both silently.
+  failInsertsWhen("email", "NEW.from_fld = 'Dora'");
+  reader.storeInDB(record("poison again", "BODY: \nENDOFBODY:\n"));
+  reader.storeInDB(record("poison", "FROM:Dora\nBODY:text\nENDOFBODY:\n"));
+  EXPECT_EQ(number("SELECT count(*) FROM email"), 1);
+  EXPECT_EQ(counters.sqlErrorCount, 2);
+  EXPECT_EQ(storeLogText().count("SQL error"), 2);
+  EXPECT_FALSE(message.messageStored);
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+}
+
+TEST_F(EmailStoreTest, ATagNoteWithADoubleQuoteStopsBeforeTheRawSource) {
+  store.setOrigState(true);
+  writeRaw("source\n");
+  reader.storeInDB(record("Tagged", "TAGNOTES:say \"hi\"\nBODY:b\nENDOFBODY:\n"));
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::Critical);
+  EXPECT_EQ(dialogs.alerts[0].title, QString());
+  EXPECT_TRUE(dialogs.alerts[0].message.startsWith("SQL error: "));
+  EXPECT_EQ(number("SELECT count(*) FROM email"), 1);
+  EXPECT_EQ(number("SELECT count(*) FROM tags") + number("SELECT count(*) FROM origemail"), 0);
+  EXPECT_FALSE(message.messageStored);
+}
+
+TEST_F(EmailStoreTest, TheRawSourceIsReadOnlyWhenItIsKept) {
+  // Off: the file is never opened, so its absence goes unnoticed.
+  reader.storeInDB(record("Off", "BODY:b\nENDOFBODY:\n"));
+  EXPECT_TRUE(message.messageStored);
+  EXPECT_EQ(number("SELECT count(*) FROM origemail"), 0);
+
+  store.setOrigState(true);
+  reader.storeInDB(record("Missing", "BODY:b\nENDOFBODY:\n"));
+  EXPECT_EQ(dialogs.messages(), QStringList{"Couldn't open " + paths.rawFile});
+  EXPECT_EQ(progress.events, (QStringList{"close", "controls:0"}));
+  EXPECT_FALSE(message.messageStored);
+
+  // "RAW:" lines are skipped wherever they are; a line that is not UTF-8 is Windows-1252.
+  writeRaw("Subject: x\nRAW:\nC:\\dir \"q\"\nCaf\xe9\n");
+  reader.storeInDB(record("On", "BODY:b\nENDOFBODY:\n"));
+  EXPECT_EQ(
+      value(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(message.lastStoredId)),
+      QStringLiteral("Subject: x\nC:\\\\dir \"q\"\nCafé\n"));
+}
+
+TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {
+  store.setOrigState(true);
+  writeRaw("source\n");
+  failInsertsWhen("attachments", "NEW.filename_fld = 'bad\"name'");
+  failInsertsWhen("origemail", "1");
+  sql("CREATE TRIGGER fail_update BEFORE UPDATE ON email BEGIN SELECT RAISE(ABORT, 'no'); END");
+  reader.storeInDB(record("Logged",
+                          "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:bad\"name\nBLOB:\nx\nENDATTACH:\n"
+                          "ENDATTACHMENTS:\n"));
+  const QString suffix = QStringLiteral(
+      "19  2020-03-04 05:06:07::Ann <ann@example.com>::bob@example.com::Logged::Box\n\n");
+  // The raw source fails, so the message counts as not stored and is stored once more at
+  // the end of its attachments, replacing the first row.
+  EXPECT_EQ(storeLogText(), "SQL error for raw source of this email: " + suffix +
+                                "SQL error for attachment bad\"\"name in this email: " + suffix +
+                                "SQL error for raw source of this email: " + suffix);
+  EXPECT_EQ(counters.sqlErrorCount, 3);
+  EXPECT_EQ(counters.duplicateCount, 1);
+  EXPECT_EQ(number("SELECT count(*) FROM email"), 1);
+
+  sql("DROP TRIGGER fail_origemail_2");
+  reader.storeInDB(record("Updated",
+                          "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:ok\nBLOB:\nx\n"
+                          "ENDATTACH:\nENDATTACHMENTS:\n"));
+  EXPECT_TRUE(storeLogText().endsWith(suffix + "SQL error updating number of attachments\n"))
+      << storeLogText().toStdString();
+  EXPECT_EQ(counters.sqlErrorCount, 4);
+}
+
+TEST_F(EmailStoreTest, ADamagedArchiveStopsTheRunWithAnAlert) {
+  // Enough rows for the email table to span several pages; then its last leaf page, where
+  // the next row would go, is overwritten.
+  for (int i = 0; i < 40; ++i)
+    reader.storeInDB(
+        record(QStringLiteral("Row %1").arg(i), "BODY:" + QString(1000, 'b') + "\nENDOFBODY:\n"));
+  const int page = number(
+      "SELECT pageno FROM dbstat WHERE name='email' AND pagetype='leaf' ORDER BY path DESC LIMIT "
+      "1");
+  ASSERT_GT(page, 1);
+  archive.close();
+  QFile file(paths.dbPath);
+  ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+  file.seek((page - 1) * 4096LL);
+  file.write(QByteArray(4096, '\xff'));
+  file.close();
+  archive.openDB(paths.dbPath);
+  ASSERT_FALSE(archive.openFailed) << dialogs.messages().join("|").toStdString();
+
+  reader.storeInDB(record("One more", "BODY:b\nENDOFBODY:\n"));
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts[0].title, "Store Failed");
+  EXPECT_EQ(dialogs.alerts[0].message, paths.dbPath + " is not a valid database file.");
+  EXPECT_TRUE(archive.openFailed);
+  EXPECT_TRUE(archive.sqlText.isEmpty());
+  EXPECT_EQ(counters.storedCount, 40);
+}
+
+TEST_F(EmailStoreTest, TheDuplicateTestFindsRowsThroughTheDateIndex) {
+  QString plan;
+  archive.exec(
+      "EXPLAIN QUERY PLAN " +
+          EmailStore::duplicateStatement("2020-01-01 00:00:00", "to", "from", "subject"),
+      [](void* context, int, char** values, char**) {
+        *static_cast<QString*>(context) += QString::fromUtf8(values[3]);
+        return 0;
+      },
+      &plan);
+  EXPECT_TRUE(plan.contains("USING INDEX email_date_idx")) << plan.toStdString();
+}
+
+}  // namespace
+}  // namespace quillery::ingest

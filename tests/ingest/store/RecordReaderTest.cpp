@@ -1,0 +1,128 @@
+// The record reader on hand-written records: every rule of the record grammar, including
+// the ones that look odd but that the parser tool and earlier archives rely on.
+#include "StoreFixture.h"
+
+namespace quillery::ingest {
+namespace {
+
+class RecordReaderTest : public StoreFixture {};
+
+TEST_F(RecordReaderTest, OneMessageIsStoredFieldByFieldAndCounted) {
+  reader.storeInDB(QStringLiteral(
+      "MAILBOX: Work/Inbox \nFROM:  Ann <ann@example.com>\t\nTO: bob@example.com \n"
+      "SUBJECT: Hello  \nDATE: 2020-03-04 05:06:07 \nMAILTO: ann@example.com \nX-OTHER: no\n"
+      "BODY:First line\nsecond line\n\nlast words ENDOFBODY:\nENDOFEMAIL:\n"));
+  EXPECT_EQ(value("SELECT date_fld||'|'||from_fld||'|'||to_fld||'|'||subj_fld||'|'||mailto||'|'"
+                  "||mailbox||'|'||numAttach FROM email"),
+            "2020-03-04 05:06:07|Ann <ann@example.com>|bob@example.com|Hello|ann@example.com|"
+            "Work/Inbox |0");
+  // The body is trimmed, and text in front of the end marker goes with the marker.
+  EXPECT_EQ(value("SELECT body_fld FROM email"), "First line\nsecond line");
+  const int id = number("SELECT id FROM email");
+  EXPECT_EQ(message.lastStoredId, id);
+  EXPECT_EQ(counters.lowestStoredId, id);
+  EXPECT_EQ(counters.highestStoredId, id);
+  EXPECT_EQ(counters.processedCount, 1);
+  EXPECT_EQ(counters.storedCount, 1);
+  EXPECT_EQ(listCount, 1);
+
+  // Every tenth "FROM:" line redraws the progress count.
+  for (int i = 2; i <= 10; ++i)
+    reader.storeInDB(record(QStringLiteral("Message %1").arg(i), "BODY:x\nENDOFBODY:\n"));
+  EXPECT_EQ(progress.events, QStringList{"count:10"});
+}
+
+TEST_F(RecordReaderTest, TheLineAfterTheBodyIsLookedAtOnlyForTheEnd) {
+  reader.storeInDB(
+      QStringLiteral("FROM:Ann\nSUBJECT:One\nDATE:2020-01-01 00:00:00\nBODY:one\nENDOFBODY:\n"
+                     "FROM:not counted\nSUBJECT:Two\nBODY:two\nENDOFBODY:\nENDOFEMAIL:\n"
+                     "SUBJECT:Three\nBODY:three\nENDOFBODY:\n"));
+  EXPECT_EQ(value("SELECT group_concat(subj_fld||'/'||from_fld||'/'||body_fld, ' ') FROM "
+                  "(SELECT * FROM email ORDER BY id)"),
+            "One/Ann/one Two/Ann/two");
+  EXPECT_EQ(counters.processedCount, 1);
+}
+
+TEST_F(RecordReaderTest, AttachmentsAreStoredAfterTheirMessageAndCountedByName) {
+  sql("CREATE TABLE inserted(n)");
+  sql("CREATE TRIGGER remember AFTER INSERT ON email BEGIN INSERT INTO inserted "
+      "VALUES(NEW.numAttach); END");
+  reader.storeInDB(
+      record("Files",
+             "BODY:see attached\nENDOFBODY:\nATTACH:\nTYPE:application/pdf\nFILENAME:report.pdf\n"
+             "ENCODING:BASE64\nBLOB:dropped\nJVBERi0x\nLjQK\nENDATTACH:\n"
+             "ATTACH:\nTYPE:text/html\nFILENAME:winmail.dat.html\nENCODING:quoted-printable\n"
+             "BLOB:\n<p>hi</p>\nlost ENDATTACH:\nENCODING:base64\n"
+             "TYPE:text/html\nFILENAME:page.html\nBLOB:\n<b>x</b>\nENDATTACH:\n"
+             "ATTACH:\nTYPE:text/enriched\nFILENAME:rich.etf\nBLOB:\nbold\nENDATTACH:\n"
+             "ENDATTACHMENTS:\n"));
+  const int id = number("SELECT id FROM email");
+  EXPECT_EQ(value("SELECT group_concat(n) FROM inserted"), "1");  // row before attachments
+  EXPECT_EQ(number("SELECT numAttach FROM email"), 2);            // html and etf parts do not count
+  EXPECT_EQ(value("SELECT body_fld FROM email"), "see attached\n\nATTACHMENTS:");
+  EXPECT_EQ(value(QStringLiteral("SELECT group_concat(type_fld||'|'||filename_fld||'|'||"
+                                 "encode_fld||'|'||attach_fld, '#') FROM attachments WHERE id=%1")
+                      .arg(id)),
+            "application/pdf|report.pdf|1|JVBERi0x\nLjQK\n#text/html|winmail.dat|0|<p>hi</p>\n#"
+            "text/html|page.html|0|<b>x</b>\n#text/enriched|rich.etf|0|bold\n");
+}
+
+TEST_F(RecordReaderTest, FieldsARecordLacksKeepTheValuesOfTheRecordBefore) {
+  reader.storeInDB(
+      record("First",
+             "TO:x\\y\nTAGCAT:Work\nBODY:a\nENDOFBODY:\nATTACH:\nTYPE:image/png\nFILENAME:a.png\n"
+             "BLOB:\nAAAA\nENDATTACH:\nENDATTACHMENTS:\n"));
+  reader.storeInDB(QStringLiteral(
+      "MAILBOX:Other\nFROM:Bob\nSUBJECT:Second\nBODY:b\nENDOFBODY:\nATTACH:\nFILENAME:b.png\n"
+      "BLOB:\nBBBB\nENDATTACH:\nENDATTACHMENTS:\nENDOFEMAIL:\n"));
+  const QString second = QStringLiteral(" FROM email WHERE subj_fld='Second'");
+  // "MAILBOX:" without its blank is no mailbox line.
+  EXPECT_EQ(value("SELECT date_fld||'|'||mailbox" + second), "2020-03-04 05:06:07|Box");
+  EXPECT_EQ(value("SELECT type_fld FROM attachments WHERE filename_fld='b.png'"), "image/png");
+  // Only the tags are cleared per record.
+  EXPECT_EQ(value("SELECT group_concat(cat_fld) FROM tags"), "Work");
+  // Header fields are escaped in place, so one carried over is escaped once more.
+  EXPECT_EQ(value("SELECT to_fld FROM email WHERE subj_fld='First'"), "x\\\\y");
+  EXPECT_EQ(value("SELECT to_fld" + second), "x\\\\\\\\y");
+}
+
+TEST_F(RecordReaderTest, ARecordWithoutItsClosingLinesEndsAtTheEndOfItsText) {
+  reader.storeInDB(record("Body cut", "BODY:first\nsecond").chopped(12));
+  EXPECT_EQ(value("SELECT body_fld FROM email WHERE subj_fld='Body cut'"), "first\nsecond");
+  reader.storeInDB(
+      record("Blob cut", "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:f.txt\nBLOB:\nline1\nline2")
+          .chopped(12));
+  const int id = message.lastStoredId;
+  EXPECT_EQ(value(QStringLiteral("SELECT attach_fld FROM attachments WHERE id=%1").arg(id)),
+            "line1\nline2\n");
+  EXPECT_EQ(number(QStringLiteral("SELECT numAttach FROM email WHERE id=%1").arg(id)), 1);
+
+  // A record with no body is counted as processed but stores nothing; the id range
+  // takes the last stored id once more.
+  const int lowest = counters.lowestStoredId;
+  reader.storeInDB(QStringLiteral("FROM:Carl\nSUBJECT:no body\n"));
+  EXPECT_EQ(number("SELECT count(*) FROM email"), 2);
+  EXPECT_EQ(counters.processedCount, 3);
+  EXPECT_EQ(counters.lowestStoredId, lowest);
+  EXPECT_EQ(counters.highestStoredId, id);
+}
+
+TEST_F(RecordReaderTest, TheMessageFileIsReadAsUtf8ElseLineByLineAsWindows1252) {
+  EXPECT_EQ(reader.doOneEmail(paths.messageFile), 0);  // not there
+  writeFile(paths.messageFile, {});
+  EXPECT_EQ(reader.doOneEmail(paths.messageFile), 1);
+  EXPECT_EQ(counters.processedCount, 0);
+
+  const QByteArray longLine(70000, 'x');
+  writeFile(paths.messageFile,
+            "FROM:Ann\nSUBJECT:Caf\xe9 \x80 5\nDATE:2021-01-01 00:00:00\n"
+            "BODY:Gr\xc3\xbc\xc3\x9f"
+            "e\n" +
+                longLine + "\nENDOFBODY:\nENDOFEMAIL:\n");
+  EXPECT_EQ(reader.doOneEmail(paths.messageFile), 1);
+  EXPECT_EQ(value("SELECT subj_fld FROM email"), QStringLiteral("Café € 5"));
+  EXPECT_EQ(value("SELECT body_fld FROM email"), QStringLiteral("Grüße\n") + longLine);
+}
+
+}  // namespace
+}  // namespace quillery::ingest

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "archive/Archive.h"
+#include "ingest/EmailStore.h"
+#include "ingest/RecordReader.h"
+#include "ingest/StoreLog.h"
+#include "platform/qt/QtFiles.h"
+#include "support/FakeDialogs.h"
+#include "support/FakeProgress.h"
+
+#include <ostream>
+
+// Failures show the texts themselves.
+inline void PrintTo(const QString& text, std::ostream* out) {
+  *out << '"' << text.toStdString() << '"';
+}
+
+namespace quillery::ingest {
+
+// The reader and the storing step over a real archive file in a temporary folder, with the
+// store log and the raw file where a store run keeps them.
+class StoreFixture : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    archive.openDB(paths.dbPath);
+    ASSERT_FALSE(archive.openFailed);
+    storeLog.open(paths.storeLog);
+    store.setPaths(paths);
+    store.setOrigState(false);
+  }
+
+  // Runs SQL on the archive's own connection; the test fails when it does not succeed.
+  void sql(const QString& statement) {
+    const archive::ExecResult result = archive.exec(statement);
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+  }
+  // The first column of the last row, "" when there is none.
+  QString value(const QString& query) {
+    QString out;
+    archive.exec(
+        query,
+        [](void* context, int, char** values, char**) {
+          *static_cast<QString*>(context) = values[0] ? QString::fromUtf8(values[0]) : QString();
+          return 0;
+        },
+        &out);
+    return out;
+  }
+  int number(const QString& query) { return value(query).toInt(); }
+
+  static void writeFile(const QString& path, const QByteArray& bytes) {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(bytes);
+  }
+  QString storeLogText() const {
+    QFile file(paths.storeLog);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+  }
+
+  // A record as the parser tool writes it, with these lines between the headers and the end.
+  static QString record(const QString& subject, const QString& rest,
+                        const QString& date = QStringLiteral("2020-03-04 05:06:07")) {
+    return QStringLiteral(
+               "MAILBOX: Box\nFROM: Ann <ann@example.com> \nTO:bob@example.com\n"
+               "SUBJECT:") +
+           subject + QStringLiteral("\nDATE:") + date +
+           QStringLiteral("\nMAILTO:ann@example.com\n") + rest + QStringLiteral("ENDOFEMAIL:\n");
+  }
+
+  QTemporaryDir dir;
+  StorePaths paths = StorePaths::forArchive(dir.filePath(QStringLiteral("archive")));
+  test::FakeDialogs dialogs;
+  test::FakeProgress progress;
+  platform::QtFiles files;
+  archive::Archive archive{dialogs, files};
+  CurrentMessage message;
+  StoreRunCounters counters;
+  StoreLog storeLog;
+  int listCount = 0;
+  EmailStore store{archive, message, counters, storeLog, dialogs, progress};
+  RecordReader reader{store, archive, message, counters, storeLog, progress, listCount};
+};
+
+}  // namespace quillery::ingest

@@ -1,0 +1,84 @@
+// The text rules shared by storing and the exports: escaping, the plist trailer, and the
+// line pieces with their two decodings.
+#include <gtest/gtest.h>
+
+#include <QList>
+
+#include "ingest/LinePieces.h"
+#include "ingest/SqlText.h"
+#include "ingest/Windows1252.h"
+
+namespace quillery::ingest {
+namespace {
+
+TEST(SqlTextTest, EscapingDoublesBackslashesFirstThenQuotes) {
+  const struct {
+    const char* name;
+    QString in;
+    QString out;
+  } rows[] = {
+      {"windows path", "C:\\temp", "C:\\\\temp"},
+      {"quotes", "say \"hi\"", "say \"\"hi\"\""},
+      {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
+      {"nothing to do", "plain 'single'", "plain 'single'"},
+  };
+  for (const auto& row : rows) {
+    QString text = row.in;
+    SqlText::escapeSqlText(text);
+    EXPECT_EQ(text, row.out) << row.name;
+  }
+}
+
+TEST(SqlTextTest, StripPlistCutsFromTheXmlNearTheMarker) {
+  const QString plist = QStringLiteral(
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple "
+      "Computer//DTD PLIST 1.0//EN\">\n<plist/>\n");
+  const QString message = QStringLiteral("Subject: s\n\nbody\n");
+  const QString early = QStringLiteral("Subject: <?xml in the text\n") + QString(150, 'x') + '\n';
+  const struct {
+    const char* name;
+    QString in;
+    QString out;
+  } rows[] = {
+      {"trailer after a message", message + QString(100, 'y') + plist, message + QString(100, 'y')},
+      {"xml earlier than 100 before the marker is text", early + plist, early},
+      {"no marker", message + "<?xml?>", message + "<?xml?>"},
+      {"marker within the first 100 characters", plist, plist},
+      {"xml found at the very start", "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST",
+       "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST"},
+  };
+  for (const auto& row : rows) {
+    QString text = row.in;
+    SqlText::stripPlist(text);
+    EXPECT_EQ(text, row.out) << row.name;
+  }
+}
+
+TEST(LinePiecesTest, LongLinesArriveInPiecesAndEachDecodesOnItsOwn) {
+  const QByteArray bytes = "ab\n" + QByteArray(LinePieces::kPieceBytes + 5, 'x') + "\n" + "tail";
+  LinePieces pieces(bytes);
+  QList<qsizetype> sizes;
+  QByteArrayView piece;
+  while (pieces.next(piece))
+    sizes.append(piece.size());
+  EXPECT_EQ(sizes, (QList<qsizetype>{3, LinePieces::kPieceBytes, 6, 4}));
+  EXPECT_EQ(LinePieces::decodeAll(bytes), QString::fromLatin1(bytes));
+
+  // A character cut in two at a piece boundary is not UTF-8 in either piece.
+  const QByteArray cut = QByteArray(LinePieces::kPieceBytes - 1, 'a') + "\xc3\xa9\n";
+  EXPECT_EQ(LinePieces::decodeAll(cut),
+            QString(LinePieces::kPieceBytes - 1, 'a') + QStringLiteral("Ã©\n"));
+  EXPECT_EQ(LinePieces::decodeAll("Gr\xc3\xbc\xc3\x9f"
+                                  "e\nCaf\xe9\n"),
+            QStringLiteral("Grüße\nCafé\n"));
+  EXPECT_FALSE(LinePieces::strictUtf8("Caf\xe9").has_value());
+  EXPECT_EQ(LinePieces::strictUtf8("\xef\xbb\xbfok").value(), QStringLiteral("\ufeffok"));
+}
+
+TEST(LinePiecesTest, Windows1252DecodesEveryByte) {
+  EXPECT_EQ(Windows1252::toString("\x80\x81\x8d\x9f\xa0\xe9\xff"),
+            QStringLiteral("€\u0081\u008dŸ\u00a0éÿ"));
+}
+
+}  // namespace
+}  // namespace quillery::ingest
