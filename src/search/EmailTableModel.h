@@ -11,7 +11,8 @@ class ResultList;
 // (reversed while the list's sortDescending is set), one column per identifier given, each
 // showing the Emailrow value of that name. The header's display text is a title for the
 // identifier; Qt::UserRole on the header answers the identifier itself. The model resets
-// whenever the list does; it never changes the list.
+// whenever the list does; it never changes the list. Identifiers that name no Emailrow value
+// are left out.
 class EmailTableModel : public QAbstractTableModel {
   Q_OBJECT
 
@@ -32,6 +33,7 @@ class EmailTableModel : public QAbstractTableModel {
  private:
   ResultList& list_;
   QStringList identifiers_;
+  bool resetting_ = false;  // between the list's listAboutToReset and listReset
 };
 
 }  // namespace quillery::search

@@ -71,6 +71,9 @@ class ResultList : public QObject {
   int onlyAttachments = 0;
 
  Q_SIGNALS:
+  // The rows are about to change as a whole; listReset follows. A model resets between the
+  // two, so that no view reads the rows while they change.
+  void listAboutToReset();
   // The rows changed as a whole (retrieval, sorting, removal, clear): reload the table.
   void listReset();
   void countsChanged(const QString& dbCountText, const QString& listCountText);
@@ -86,6 +89,8 @@ class ResultList : public QObject {
 
  private:
   void showCounts();
+  // Sorts the rows ascending by the comparison named after the column identifier.
+  bool sortBy(const QString& identifier);
 
   archive::Archive& archive_;
   platform::Dialogs& dialogs_;

@@ -1,0 +1,47 @@
+// The table model over the result list, checked by Qt's own model tester through retrieval,
+// sorting and removal.
+#include <QAbstractItemModelTester>
+
+#include "ResultListFixture.h"
+#include "search/EmailTableModel.h"
+
+namespace quillery::search {
+namespace {
+
+class EmailTableModelTest : public ResultListFixture {};
+
+TEST_F(EmailTableModelTest, TheTableShowsTheListInDisplayOrderThroughEveryChange) {
+  EmailTableModel model(list, {"emailSubject", "bogus", "emailAtch", "emailDate"});
+  QAbstractItemModelTester tester(&model, QAbstractItemModelTester::FailureReportingMode::Fatal);
+  ASSERT_EQ(model.columnCount(), 3);  // an identifier that names no value is left out
+  EXPECT_EQ(model.headerData(0, Qt::Horizontal, Qt::UserRole), "emailSubject");
+  EXPECT_EQ(model.headerData(2, Qt::Horizontal).toString(), "Date");
+  EXPECT_EQ(model.columnOf("emailAtch"), 1);
+
+  for (int i = 0; i < 30; ++i)
+    add(QStringLiteral("2020-01-01 00:00:%1").arg(i, 2, 10, QLatin1Char('0')),
+        QStringLiteral("Subject %1").arg(i), i % 3);
+  retrieve();
+  ASSERT_EQ(model.rowCount(), 30);
+  EXPECT_EQ(model.data(model.index(29, 0)), "Subject 29");
+  EXPECT_EQ(model.data(model.index(29, 1)), 2);
+
+  list.clickColumn("emailDate");
+  list.clickColumn("emailDate");
+  EXPECT_EQ(model.data(model.index(0, 2)), "2020-01-01 00:00:29");
+  list.deleteFromList({0, 1, 28});
+  ASSERT_EQ(model.rowCount(), 27);
+  EXPECT_EQ(model.data(model.index(0, 0)), "Subject 27");
+  EXPECT_EQ(model.data(model.index(26, 0)), "Subject 0");
+
+  // A store run counts the messages it reads before any of them is listed.
+  list.clear();
+  list.listCount = 12;
+  EXPECT_EQ(model.rowCount(), 0);
+  list.onlyAttachments = 1;
+  retrieve();
+  EXPECT_EQ(model.rowCount(), 20);
+}
+
+}  // namespace
+}  // namespace quillery::search
