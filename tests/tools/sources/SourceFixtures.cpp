@@ -1,0 +1,97 @@
+#include "SourceFixtures.h"
+
+#include <gmime/gmime.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace quillery::test {
+
+std::string SourceFixtures::message(int i, const std::string& body) {
+  return "From: Sender " + std::to_string(i) + " <s" + std::to_string(i) +
+         "@example.com>\nTo: you@example.com\nSubject: Message " + std::to_string(i) +
+         "\nDate: Mon, 1 Jan 2018 10:00:00 +0000\n\n" + body;
+}
+
+std::string SourceFixtures::emlx(const std::string& message, long count, bool oldTrailer,
+                                 std::time_t dateSent, std::time_t received) {
+  std::string countText = std::to_string(count < 0 ? static_cast<long>(message.size()) : count);
+  countText.resize(std::max<std::size_t>(countText.size(), 10), ' ');
+  const std::string doctype =
+      oldTrailer ? "-//Apple Computer//DTD PLIST 1.0//EN" : "-//Apple//DTD PLIST 1.0//EN";
+  return countText + "\n" + message +
+         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"" + doctype +
+         "\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">\n"
+         "<dict>\n\t<key>date-received</key>\n\t<integer>" +
+         std::to_string(received) + "</integer>\n\t<key>date-sent</key>\n\t<real>" +
+         std::to_string(dateSent) +
+         ".0</real>\n\t<key>flags</key>\n\t<integer>8590195713"
+         "</integer>\n</dict>\n</plist>\n";
+}
+
+void SourceFixtures::write(const std::string& path, const std::string& bytes) {
+  std::error_code ec;
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ec);
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << bytes;
+  out.close();
+  ASSERT_TRUE(out.good()) << "cannot write " << path;
+}
+
+std::string SourceFixtures::read(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+std::vector<std::string> SourceFixtures::decodedParts(const std::string& source) {
+  g_mime_init();
+  GMimeStream* stream = g_mime_stream_mem_new_with_buffer(source.data(), source.size());
+  GMimeParser* parser = g_mime_parser_new_with_stream(stream);
+  GMimeMessage* message = g_mime_parser_construct_message(parser, nullptr);
+  std::vector<std::string> parts;
+  if (message) {
+    auto collect = [](GMimeObject*, GMimeObject* part, gpointer data) {
+      if (!GMIME_IS_PART(part)) {
+        return;
+      }
+      GMimeStream* out = g_mime_stream_mem_new();
+      if (GMimeDataWrapper* content = g_mime_part_get_content(GMIME_PART(part))) {
+        g_mime_data_wrapper_write_to_stream(content, out);
+      }
+      const GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(out));
+      static_cast<std::vector<std::string>*>(data)->emplace_back(
+          reinterpret_cast<const char*>(bytes->data), bytes->len);
+      g_object_unref(out);
+    };
+    g_mime_message_foreach(message, collect, &parts);
+    g_object_unref(message);
+  }
+  g_object_unref(parser);
+  g_object_unref(stream);
+  return parts;
+}
+
+tools::MessageSink Collected::sink() {
+  return [this](tools::RawMessage&& m) {
+    messages.push_back(std::move(m));
+    return true;
+  };
+}
+
+tools::InvalidSink Collected::invalidSink() {
+  return [this](const std::string& path) { invalid.push_back(path); };
+}
+
+std::vector<std::string> Collected::mailboxes() const {
+  std::vector<std::string> out;
+  for (const tools::RawMessage& m : messages) {
+    out.push_back(m.mailbox);
+  }
+  return out;
+}
+
+}  // namespace quillery::test
