@@ -1,0 +1,67 @@
+// The .emlx reader on files in the shapes Apple Mail writes, and in the broken shapes found
+// in real copies of mail folders.
+#include <gtest/gtest.h>
+
+#include "SourceFixtures.h"
+#include "common/EmlxReader.h"
+
+namespace quillery::test {
+namespace {
+
+using tools::EmlxReader;
+
+TEST(EmlxReaderTest, PaddedCountLeadsToEitherTrailerAndItsDates) {
+  const std::string message = SourceFixtures::message(1);
+  for (const bool oldTrailer : {false, true}) {
+    const auto content = EmlxReader::parse(SourceFixtures::emlx(message, -1, oldTrailer));
+    ASSERT_TRUE(content.has_value());
+    EXPECT_EQ(content->source, message);
+    EXPECT_EQ(content->dateSent, 1500000000);
+    EXPECT_EQ(content->dateReceived, 1500000100);
+  }
+  EXPECT_EQ(
+      EmlxReader::plistDate("<key>date-sent</key>\n<date>2017-07-14T02:40:00Z</date>", "date-sent"),
+      1500000000);
+}
+
+TEST(EmlxReaderTest, WrongOrMissingCountsStillGiveTheWholeMessage) {
+  const std::string message = SourceFixtures::message(2);
+  const std::string right = SourceFixtures::emlx(message);
+  const std::string trailer = right.substr(right.find("<?xml"));
+  const long size = static_cast<long>(message.size());
+  const std::vector<std::pair<std::string, std::string>> files = {
+      {"count too large", SourceFixtures::emlx(message, size + 500)},
+      {"count too small", SourceFixtures::emlx(message, size - 20)},
+      {"no count line", message + trailer},
+      {"no plist", right.substr(0, right.find("<?xml"))},
+      {"no count, no plist", message},
+      {"count larger than the file, no plist", "99999\n" + message}};
+  for (const auto& [name, file] : files) {
+    const auto content = EmlxReader::parse(file);
+    ASSERT_TRUE(content.has_value()) << name;
+    EXPECT_EQ(content->source, message) << name;
+  }
+
+  // A property list quoted in the body is the message's own, not a trailer.
+  const std::string quoting = SourceFixtures::message(
+      3, "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict/></plist>\nmore text\n");
+  auto content = EmlxReader::parse("99999\n" + quoting);
+  ASSERT_TRUE(content.has_value());
+  EXPECT_EQ(content->source, quoting);
+
+  // A closing boundary that runs straight into the trailer keeps every byte of the message.
+  const std::string runOn = SourceFixtures::message(4, "--b\n\nx\n--b--");
+  content = EmlxReader::parse(SourceFixtures::emlx(runOn));
+  ASSERT_TRUE(content.has_value());
+  EXPECT_EQ(content->source, runOn);
+}
+
+TEST(EmlxReaderTest, TextThatHoldsNoMessage) {
+  EXPECT_FALSE(EmlxReader::parse(""));
+  EXPECT_FALSE(EmlxReader::parse("120       \n"));
+  EXPECT_FALSE(EmlxReader::parse("35\nthis is an invalid .emlx structure\n"));
+  EXPECT_FALSE(EmlxReader::parse(SourceFixtures::emlx("not a header line\n\nbody\n")));
+}
+
+}  // namespace
+}  // namespace quillery::test

@@ -1,0 +1,89 @@
+// Partial .emlx files rebuilt from the parts Apple Mail keeps beside them, read back by GMime.
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include "SourceFixtures.h"
+#include "common/MailWalker.h"
+
+namespace quillery::test {
+namespace {
+
+std::string allByteValues() {
+  std::string bytes;
+  for (int round = 0; round < 40; ++round) {
+    for (int b = 0; b < 256; ++b) {
+      bytes += static_cast<char>(b);
+    }
+  }
+  return bytes;
+}
+
+std::string stripped(const std::string& headers) {
+  return headers + "X-Apple-Content-Length: 1234\n\n\n";
+}
+
+// Part 2 lies in Attachments/7/2/ (decoded bytes), part 3 too (text for quoted-printable),
+// part 4 in Messages/7.4.emlxpart (already base64), part 5 nowhere.
+TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
+  QTemporaryDir dir;
+  const std::string box = dir.path().toStdString() + "/Box.mbox";
+  const std::string qpText = "Grüße = 100%\nline with trailing blank \n" + std::string(200, 'x') +
+                             "\nend without line break";
+  const std::string message =
+      "From: a@example.com\nSubject: partial\nMIME-Version: 1.0\n"
+      "Content-Type: multipart/mixed; boundary=\"XX\"\n\npreamble\n"
+      "--XX\nContent-Type: text/plain\n\nHello\n"
+      "--XX\n" +
+      stripped("Content-Type: application/pdf; name=a.pdf\nContent-Transfer-Encoding: base64\n") +
+      "--XX\n" +
+      stripped(
+          "Content-Type: text/plain; name=b.txt; charset=utf-8\n"
+          "Content-Transfer-Encoding: quoted-printable\n") +
+      "--XX\n" + stripped("Content-Type: image/png\nContent-Transfer-Encoding: base64\n") +
+      "--XX\n" + stripped("Content-Type: image/gif\nContent-Transfer-Encoding: base64\n") +
+      "--XX--\nepilogue\n";
+  SourceFixtures::write(box + "/Messages/7.partial.emlx", SourceFixtures::emlx(message));
+  SourceFixtures::write(box + "/Attachments/7/2/a.pdf", allByteValues());
+  SourceFixtures::write(box + "/Attachments/7/3/renamed.txt", qpText);
+  SourceFixtures::write(box + "/Messages/7.4.emlxpart", "iVBORw0KGgo=\n");
+  // A full copy beside a partial one is the better of the two.
+  const std::string whole = SourceFixtures::message(8);
+  SourceFixtures::write(box + "/Messages/8.partial.emlx",
+                        SourceFixtures::emlx(SourceFixtures::message(8, "cut\n")));
+  SourceFixtures::write(box + "/Messages/8.emlx", SourceFixtures::emlx(whole));
+
+  Collected got;
+  ASSERT_TRUE(tools::walkMailboxes({box}, got.sink(), got.invalidSink(), {}));
+  EXPECT_TRUE(got.invalid.empty());
+  ASSERT_EQ(got.messages.size(), 2u);
+  EXPECT_EQ(got.messages[1].source, whole);
+
+  const std::string& rebuilt = got.messages[0].source;
+  EXPECT_TRUE(rebuilt.starts_with(message.substr(0, message.find("--XX\n"))));
+  EXPECT_TRUE(rebuilt.ends_with("--XX--\nepilogue\n"));
+  // Restored data runs up to the line break before the next delimiter, without a blank line;
+  // only the missing part keeps its empty body.
+  std::size_t blankBeforeDelimiter = 0;
+  for (std::size_t at = rebuilt.find("\n\n--XX"); at != std::string::npos;
+       at = rebuilt.find("\n\n--XX", at + 1)) {
+    ++blankBeforeDelimiter;
+  }
+  EXPECT_EQ(blankBeforeDelimiter, 1u);
+  const std::vector<std::string> parts = SourceFixtures::decodedParts(rebuilt);
+  ASSERT_EQ(parts.size(), 5u);
+  EXPECT_EQ(parts[0], "Hello");
+  EXPECT_TRUE(parts[1] == allByteValues()) << "the PDF's bytes differ";
+  EXPECT_EQ(parts[2], qpText);
+  EXPECT_EQ(parts[3], "\x89PNG\r\n\x1a\n");
+  EXPECT_EQ(parts[4], "");  // missing: the part stays as the partial file has it
+  std::size_t marks = 0;
+  for (std::size_t at = rebuilt.find("X-Apple-Content-Length"); at != std::string::npos;
+       at = rebuilt.find("X-Apple-Content-Length", at + 1)) {
+    ++marks;
+  }
+  EXPECT_EQ(marks, 1u);
+}
+
+}  // namespace
+}  // namespace quillery::test
