@@ -1,0 +1,147 @@
+#include "common/MailWalker.h"
+
+#include <filesystem>
+
+#include "common/MailTree.h"
+#include "common/MailboxReader.h"
+#include "common/MailboxSelection.h"
+
+namespace quillery::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string withoutLineEnd(std::string line) {
+  while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
+    line.pop_back();
+  }
+  return line;
+}
+
+void searchingNow(const SearchingSink& searching) {
+  if (searching) {
+    searching();
+  }
+}
+
+std::string joined(const std::string& first, const std::vector<std::string>& names) {
+  std::string out = first;
+  for (const std::string& name : names) {
+    out += '/';
+    out += name;
+  }
+  return out;
+}
+
+// A folder chosen as an mbox source: Apple's exported "X.mbox/" with its file "mbox", or any
+// folder of mailboxes; its own messages first, then those of every mailbox inside it.
+bool readFolderTree(MailboxReader& reader, const std::string& path, const InvalidSink& invalid,
+                    const SearchingSink& searching) {
+  const fs::path folder = fs::path(path).lexically_normal();
+  const fs::path named = folder.has_filename() ? folder : folder.parent_path();
+  const std::string name = MailTree::withoutMailboxSuffix(named.filename().string());
+  if (!reader.readMailboxFolder(path, name)) {
+    return false;
+  }
+  for (const MailboxFolder& box : MailTree::mailboxes(path, invalid)) {
+    searchingNow(searching);
+    if (!reader.readMailboxFolder(box.path, joined(name, box.names))) {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
+                   const InvalidSink& invalid, const SearchingSink& searching) {
+  MailboxReader reader(message, invalid);
+  for (const std::string& given : paths) {
+    const std::string path = withoutLineEnd(given);
+    if (path.empty()) {
+      continue;
+    }
+    searchingNow(searching);
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) {
+      if (!readFolderTree(reader, path, invalid, searching)) {
+        return false;
+      }
+    } else if (!reader.readFile(path, fs::path(path).filename().string())) {
+      return false;
+    }
+  }
+  return true;
+}
+
+bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSink& message,
+                   const InvalidSink& invalid, const SearchingSink& searching) {
+  MailboxReader reader(message, invalid);
+  for (const std::string& line : mailboxLines) {
+    const std::string path = withoutLineEnd(line);
+    if (path.empty()) {
+      continue;
+    }
+    searchingNow(searching);
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) {
+      if (!reader.readMailboxFolder(path, MailTree::fromPath(path).displayName)) {
+        return false;
+      }
+    } else if (fs::is_regular_file(path, ec)) {
+      if (!reader.readFile(path, fs::path(path).filename().string())) {
+        return false;
+      }
+    } else {
+      invalid(path);  // gone since it was listed, or never there
+    }
+  }
+  return true;
+}
+
+bool walkAccounts(const std::string& mailRoot, const std::vector<std::string>& accountNames,
+                  const WalkOptions& options, const MessageSink& message,
+                  const InvalidSink& invalid, const SearchingSink& searching) {
+  std::vector<std::string> names;
+  for (const std::string& name : accountNames) {
+    names.push_back(withoutLineEnd(name));
+  }
+  MailboxReader reader(message, invalid);
+  for (const std::string& account : MailTree(mailRoot).accountFolders(names)) {
+    searchingNow(searching);
+    for (const MailboxFolder& box : MailTree::mailboxes(account, invalid)) {
+      if (!MailboxSelection::selected(box.names, options)) {
+        continue;
+      }
+      searchingNow(searching);
+      if (!reader.readMailboxFolder(box.path, box.displayName)) {
+        return false;
+      }
+    }
+  }
+  return true;
+}
+
+std::vector<std::string> listMailboxes(const std::string& mailRoot,
+                                       const std::vector<std::string>& accountNames) {
+  std::vector<std::string> names;
+  for (const std::string& name : accountNames) {
+    names.push_back(withoutLineEnd(name));
+  }
+  std::vector<std::string> lines;
+  for (const std::string& account : MailTree(mailRoot).accountFolders(names)) {
+    for (const MailboxFolder& box : MailTree::mailboxes(account)) {
+      // A line end inside a name cannot survive the one-per-line list.
+      if (box.path.find_first_of("\r\n") != std::string::npos) {
+        continue;
+      }
+      std::error_code ec;
+      const fs::path absolute = fs::absolute(box.path, ec);
+      lines.push_back((ec ? fs::path(box.path) : absolute).lexically_normal().string());
+    }
+  }
+  return lines;
+}
+
+}  // namespace quillery::tools
