@@ -1,0 +1,185 @@
+#include "domail/DomailDriver.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+
+extern char** environ;
+
+namespace quillery::tools {
+namespace {
+
+constexpr std::string_view kAttachment = "attachment\n";
+constexpr std::string_view kSearching = "Looking for email";
+
+bool validUtf8(std::string_view s) {
+  std::size_t i = 0;
+  while (i < s.size()) {
+    const auto c = static_cast<unsigned char>(s[i]);
+    const std::size_t length = c < 0x80 ? 1 : c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC2 ? 2 : 0;
+    if (length == 0 || i + length > s.size()) {
+      return false;
+    }
+    for (std::size_t k = 1; k < length; ++k) {
+      if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) {
+        return false;
+      }
+    }
+    i += length;
+  }
+  return true;
+}
+
+}  // namespace
+
+DomailDriver::~DomailDriver() {
+  if (pid_ > 0) {
+    ::kill(pid_, SIGKILL);
+    wait();
+  }
+  closeInput();
+  if (output_ >= 0) {
+    ::close(output_);
+  }
+}
+
+bool DomailDriver::start(const std::vector<std::string>& arguments,
+                         const std::vector<std::string>& environment) {
+  int toTool[2];
+  int fromTool[2];
+  if (::pipe2(toTool, O_CLOEXEC) != 0) {
+    return false;
+  }
+  if (::pipe2(fromTool, O_CLOEXEC) != 0) {
+    ::close(toTool[0]);
+    ::close(toTool[1]);
+    return false;
+  }
+  std::vector<std::string> argv;
+  if (::access("/usr/bin/nice", X_OK) == 0) {
+    argv.push_back("/usr/bin/nice");
+  }
+  argv.push_back(domailPath_);
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> env;
+  for (char** e = environ; *e; ++e) {
+    if (!std::string_view(*e).starts_with("NSUnbufferedIO=")) {
+      env.push_back(*e);
+    }
+  }
+  env.push_back("NSUnbufferedIO=YES");
+  env.insert(env.end(), environment.begin(), environment.end());
+  std::vector<char*> argvPointers;
+  for (std::string& a : argv) {
+    argvPointers.push_back(a.data());
+  }
+  argvPointers.push_back(nullptr);
+  std::vector<char*> envPointers;
+  for (std::string& e : env) {
+    envPointers.push_back(e.data());
+  }
+  envPointers.push_back(nullptr);
+
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, toTool[0], STDIN_FILENO);
+  posix_spawn_file_actions_adddup2(&actions, fromTool[1], STDOUT_FILENO);
+  const int error = posix_spawn(&pid_, argvPointers[0], &actions, nullptr, argvPointers.data(),
+                                envPointers.data());
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(toTool[0]);
+  ::close(fromTool[1]);
+  if (error != 0) {
+    ::close(toTool[1]);
+    ::close(fromTool[0]);
+    pid_ = -1;
+    errno = error;
+    return false;
+  }
+  input_ = toTool[1];
+  output_ = fromTool[0];
+  return true;
+}
+
+std::optional<std::string> DomailDriver::nextAnnouncement(int timeoutMs) {
+  for (;;) {
+    pollfd fd{output_, POLLIN, 0};
+    const int ready = ::poll(&fd, 1, timeoutMs);
+    if (ready < 0 && errno == EINTR) {
+      continue;
+    }
+    if (ready == 0) {
+      timedOut_ = true;
+      return std::nullopt;
+    }
+    char buffer[65536];
+    const ssize_t got = ::read(output_, buffer, sizeof buffer);
+    if (got < 0 && errno == EINTR) {
+      continue;
+    }
+    if (got <= 0) {
+      return std::nullopt;
+    }
+    std::string chunk(buffer, static_cast<std::size_t>(got));
+    if (!validUtf8(chunk)) {
+      ++invalidChunks_;
+    }
+    if (chunk.ends_with(kAttachment)) {
+      ++attachmentStatuses_;
+      continue;
+    }
+    if (chunk.ends_with(kSearching)) {
+      ++searchingStatuses_;
+      continue;
+    }
+    while (chunk.starts_with(kAttachment)) {
+      chunk.erase(0, kAttachment.size());
+      ++attachmentStatuses_;
+    }
+    return chunk;
+  }
+}
+
+bool DomailDriver::answer() {
+  constexpr std::string_view kAnswer = "go for it";
+  return input_ >= 0 &&
+         ::write(input_, kAnswer.data(), kAnswer.size()) == static_cast<ssize_t>(kAnswer.size());
+}
+
+bool DomailDriver::wroteBeforeAnswer() {
+  pollfd fd{output_, POLLIN, 0};
+  return ::poll(&fd, 1, 0) > 0 && (fd.revents & POLLIN);
+}
+
+void DomailDriver::closeInput() {
+  if (input_ >= 0) {
+    ::close(input_);
+    input_ = -1;
+  }
+}
+
+bool DomailDriver::signal(int number) {
+  return pid_ > 0 && ::kill(pid_, number) == 0;
+}
+
+int DomailDriver::wait() {
+  if (pid_ <= 0) {
+    return -1;
+  }
+  int status = 0;
+  while (::waitpid(pid_, &status, 0) < 0) {
+    if (errno != EINTR) {
+      return -1;
+    }
+  }
+  pid_ = -1;
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace quillery::tools

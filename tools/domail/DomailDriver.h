@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace quillery::tools {
+
+// Plays the application's part of a store run against the real tool, for tests and
+// benchmarks: starts domail (through /usr/bin/nice when it exists, with NSUnbufferedIO=YES,
+// as the application does), takes every read of the tool's output as one chunk and sorts it
+// exactly as the store run does: a chunk ending in "attachment\n" or "Looking for email" is
+// a status, anything else announces a message (leading "attachment\n" texts stripped) and
+// must be answered with "go for it" before the tool writes again.
+class DomailDriver {
+ public:
+  explicit DomailDriver(std::string domailPath) : domailPath_(std::move(domailPath)) {}
+  ~DomailDriver();
+  DomailDriver(const DomailDriver&) = delete;
+  DomailDriver& operator=(const DomailDriver&) = delete;
+
+  // Starts the tool with the arguments after its own path; `environment` adds "NAME=value"
+  // entries. False (errno set) when it cannot be started.
+  bool start(const std::vector<std::string>& arguments,
+             const std::vector<std::string>& environment = {});
+
+  // Reads chunks until the next announcement and returns it; statuses are counted on the
+  // way. Returns nothing when the tool closed its output, or when nothing came for
+  // `timeoutMs` (timedOut() then says so), so a broken tool fails a test instead of hanging
+  // it.
+  std::optional<std::string> nextAnnouncement(int timeoutMs = 120000);
+  // Answers the announcement read last.
+  bool answer();
+  // Whether the tool has written anything since the last announcement (it must not have,
+  // before its answer). Does not block.
+  bool wroteBeforeAnswer();
+
+  void closeInput();
+  bool signal(int number);
+  // Waits for the tool to end and returns its exit status, or 128 + the signal that ended it.
+  int wait();
+
+  int attachmentStatuses() const { return attachmentStatuses_; }
+  int searchingStatuses() const { return searchingStatuses_; }
+  bool timedOut() const { return timedOut_; }
+  // Chunks that were not valid UTF-8 (the application would show a placeholder).
+  int invalidChunks() const { return invalidChunks_; }
+
+ private:
+  std::string domailPath_;
+  pid_t pid_ = -1;
+  int input_ = -1;   // the tool's standard input, our write end
+  int output_ = -1;  // the tool's standard output, our read end
+  int attachmentStatuses_ = 0;
+  int searchingStatuses_ = 0;
+  int invalidChunks_ = 0;
+  bool timedOut_ = false;
+};
+
+}  // namespace quillery::tools

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <ctime>
+#include <string>
+
+#include "common/RawMessage.h"
+#include "domail/ApplicationChannel.h"
+#include "domail/DomailArguments.h"
+#include "domail/MessageConverter.h"
+#include "domail/RecordFile.h"
+#include "domail/RunLog.h"
+
+namespace quillery::tools {
+
+// One run of the tool: walks the sources that the arguments name, and for every message in
+// the date range writes the message file (and with the raw switch the raw file) completely,
+// announces it as "path\nsubject" and waits for the application's answer. Files that cannot
+// be read as mail, and messages that GMime cannot read, are INVALID lines of the run log and
+// the run goes on. The run ends early, cleanly and between two messages, when the channel
+// says so (end of input, a stop signal) or a record file cannot be written (reported on
+// standard error). The log's last line is "PARSED: n", n counting every message read from
+// the sources, in range or not.
+class DomailRun {
+ public:
+  DomailRun(const DomailArguments& arguments, ApplicationChannel& channel, RecordFile& message,
+            RecordFile& raw, RunLog& log, std::time_t now);
+
+  // Returns the exit status: 0, or 1 when a record file could not be written.
+  int run();
+
+  long parsed() const { return parsed_; }
+  long announced() const { return announced_; }
+
+ private:
+  bool onMessage(RawMessage&& raw);
+  bool write(const RawMessage& raw);
+  std::string mailRoot() const;
+
+  const DomailArguments& arguments_;
+  ApplicationChannel& channel_;
+  RecordFile& message_;
+  RecordFile& raw_;
+  RunLog& log_;
+  MessageConverter converter_;
+  ParsedMessage parsedMessage_;
+  std::string record_;
+  std::string scratch_;
+  long parsed_ = 0;
+  long announced_ = 0;
+  bool writeFailed_ = false;
+};
+
+}  // namespace quillery::tools

@@ -1,0 +1,230 @@
+#include "domail/HeaderText.h"
+
+#include <optional>
+
+namespace quillery::tools {
+namespace {
+
+struct EncodedWord {
+  std::string charset;
+  std::string bytes;
+  std::size_t end = 0;  // offset after "?="
+};
+
+int hexValue(char c) {
+  if (c >= '0' && c <= '9') {
+    return c - '0';
+  }
+  if (c >= 'A' && c <= 'F') {
+    return c - 'A' + 10;
+  }
+  if (c >= 'a' && c <= 'f') {
+    return c - 'a' + 10;
+  }
+  return -1;
+}
+
+int base64Value(char c) {
+  if (c >= 'A' && c <= 'Z') {
+    return c - 'A';
+  }
+  if (c >= 'a' && c <= 'z') {
+    return c - 'a' + 26;
+  }
+  if (c >= '0' && c <= '9') {
+    return c - '0' + 52;
+  }
+  if (c == '+') {
+    return 62;
+  }
+  if (c == '/') {
+    return 63;
+  }
+  return -1;
+}
+
+// Tolerant: characters outside the alphabet are skipped and padding may be missing.
+std::string decodeBase64(std::string_view text) {
+  std::string out;
+  unsigned bits = 0;
+  int count = 0;
+  for (char c : text) {
+    const int v = base64Value(c);
+    if (v < 0) {
+      continue;
+    }
+    bits = (bits << 6) | static_cast<unsigned>(v);
+    count += 6;
+    if (count >= 8) {
+      count -= 8;
+      out += static_cast<char>((bits >> count) & 0xFF);
+    }
+  }
+  return out;
+}
+
+std::string decodeQ(std::string_view text) {
+  std::string out;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '_') {
+      out += ' ';
+    } else if (text[i] == '=' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 &&
+               hexValue(text[i + 2]) >= 0) {
+      out += static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]));
+      i += 2;
+    } else {
+      out += text[i];
+    }
+  }
+  return out;
+}
+
+// "=?charset?B|Q?text?=" starting at `at`.
+std::optional<EncodedWord> encodedWordAt(std::string_view s, std::size_t at) {
+  if (s.substr(at, 2) != "=?") {
+    return std::nullopt;
+  }
+  const std::size_t q1 = s.find('?', at + 2);
+  if (q1 == std::string_view::npos || q1 == at + 2 || q1 + 2 >= s.size() || s[q1 + 2] != '?') {
+    return std::nullopt;
+  }
+  const char kind = s[q1 + 1];
+  if (kind != 'B' && kind != 'b' && kind != 'Q' && kind != 'q') {
+    return std::nullopt;
+  }
+  const std::size_t textStart = q1 + 3;
+  const std::size_t close = s.find("?=", textStart);
+  if (close == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view text = s.substr(textStart, close - textStart);
+  if (text.find_first_of(" \t") != std::string_view::npos) {
+    return std::nullopt;
+  }
+  EncodedWord word;
+  word.charset = std::string(s.substr(at + 2, q1 - at - 2));
+  word.bytes = (kind == 'B' || kind == 'b') ? decodeBase64(text) : decodeQ(text);
+  word.end = close + 2;
+  return word;
+}
+
+bool onlyBlanks(std::string_view s) {
+  return s.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+void appendQuotedContent(std::string_view text, std::string& out) {
+  for (char c : text) {
+    if (c == '"' || c == '\\') {
+      out += '\\';
+    }
+    out += c;
+  }
+}
+
+}  // namespace
+
+std::string HeaderText::unfold(std::string_view raw) {
+  std::string out;
+  out.reserve(raw.size());
+  for (char c : raw) {
+    if (c != '\r' && c != '\n') {
+      out += c;
+    }
+  }
+  return out;
+}
+
+std::string HeaderText::singleLine(std::string_view text) {
+  std::string out;
+  out.reserve(text.size());
+  for (char c : text) {
+    const auto u = static_cast<unsigned char>(c);
+    if (c == '\t' || c == '\r' || c == '\n') {
+      out += ' ';
+    } else if (u >= 0x20 && u != 0x7F) {
+      out += c;
+    }
+  }
+  const std::size_t first = out.find_first_not_of(' ');
+  if (first == std::string::npos) {
+    return {};
+  }
+  const std::size_t last = out.find_last_not_of(' ');
+  return out.substr(first, last - first + 1);
+}
+
+std::string HeaderText::decodeWords(std::string_view raw, std::string_view fallbackCharset,
+                                    bool forAddresses) {
+  const std::string line = unfold(raw);
+  const std::string_view s = line;
+  std::string out;
+  std::size_t plainStart = 0;
+  std::size_t i = 0;
+  bool inQuotes = false;
+  auto flushPlain = [&](std::size_t end) {
+    if (end > plainStart) {
+      decoder_.appendUtf8(s.substr(plainStart, end - plainStart), fallbackCharset, out);
+    }
+  };
+  while (i < s.size()) {
+    if (s[i] == '"') {
+      inQuotes = !inQuotes;
+    } else if (s[i] == '\\' && inQuotes) {
+      ++i;
+    } else if (s[i] == '=' && i + 1 < s.size() && s[i + 1] == '?') {
+      std::optional<EncodedWord> word = encodedWordAt(s, i);
+      if (word) {
+        flushPlain(i);
+        // Gather the run of encoded words separated only by blanks.
+        std::string decoded;
+        std::string charset = word->charset;
+        std::string bytes = std::move(word->bytes);
+        std::size_t end = word->end;
+        for (;;) {
+          std::size_t next = end;
+          while (next < s.size() && (s[next] == ' ' || s[next] == '\t')) {
+            ++next;
+          }
+          std::optional<EncodedWord> following =
+              next < s.size() ? encodedWordAt(s, next) : std::nullopt;
+          if (!following || !onlyBlanks(s.substr(end, next - end))) {
+            break;
+          }
+          if (following->charset != charset) {
+            decoder_.appendUtf8(bytes, charset, decoded);
+            bytes.clear();
+            charset = following->charset;
+          }
+          bytes += following->bytes;
+          end = following->end;
+        }
+        decoder_.appendUtf8(bytes, charset, decoded);
+        if (forAddresses && inQuotes) {
+          appendQuotedContent(decoded, out);
+        } else if (forAddresses) {
+          out += '"';
+          appendQuotedContent(decoded, out);
+          out += '"';
+        } else {
+          out += decoded;
+        }
+        i = end;
+        plainStart = end;
+        continue;
+      }
+    }
+    ++i;
+  }
+  flushPlain(s.size());
+  return singleLine(out);
+}
+
+std::string HeaderText::decode(std::string_view raw, std::string_view fallbackCharset) {
+  return decodeWords(raw, fallbackCharset, false);
+}
+
+std::string HeaderText::decodeForAddresses(std::string_view raw, std::string_view fallbackCharset) {
+  return decodeWords(raw, fallbackCharset, true);
+}
+
+}  // namespace quillery::tools
