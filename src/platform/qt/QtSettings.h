@@ -7,6 +7,9 @@
 namespace quillery::platform {
 
 // Preferences in QSettings' native per-user format, or in an explicit file (tests, tools).
+// A map value is kept as a group of its own keys, so a person reading or editing the file
+// sees "family=...", "size=..." rather than serialised bytes; reading the key back gives the
+// map again, its values as the strings the file holds.
 class QtSettings : public Settings {
  public:
   QtSettings();
@@ -21,7 +24,10 @@ class QtSettings : public Settings {
   QString fileName() const { return settings_.fileName(); }
 
  private:
-  QSettings settings_;
+  bool isGroup(const QString& key) const;
+
+  // QSettings reads through a const object only by beginning a group, which is not const.
+  mutable QSettings settings_;
   QVariantMap defaults_;
 };
 

@@ -1,0 +1,37 @@
+#include "search/CategoryList.h"
+
+#include <cstdio>
+
+#include "archive/Archive.h"
+
+namespace quillery::search {
+
+bool CategoryList::getCategories(const QString& dbPath) {
+  archive_.openDB(dbPath);
+  if (archive_.openFailed) {
+    archive_.openFailed = false;
+    return false;
+  }
+  const archive::ExecResult result = archive_.exec(
+      QStringLiteral("SELECT DISTINCT cat_fld FROM tags"), categoryListCallback, this);
+  archive_.close();
+  // The list is read again on every save of the preferences and saved with them; without
+  // this it would grow by the archive's categories each time.
+  categoryList.removeDuplicates();
+  if (!result.ok()) {
+    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
+    return false;
+  }
+  return true;
+}
+
+int CategoryList::categoryListCallback(void* context, int columns, char** values, char**) {
+  auto* self = static_cast<CategoryList*>(context);
+  for (int i = 0; i < columns; ++i) {
+    if (values[i] != nullptr && values[i][0] != '\0')
+      self->categoryList.append(QString::fromUtf8(values[i]));
+  }
+  return 0;
+}
+
+}  // namespace quillery::search

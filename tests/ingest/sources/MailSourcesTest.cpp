@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSet>
+#include <QTemporaryDir>
+
+#include "ingest/MailSources.h"
+#include "support/FakeDialogs.h"
+#include "support/TestEnvironment.h"
+
+namespace quillery::ingest {
+namespace {
+
+class MailSourcesTest : public ::testing::Test {
+ protected:
+  QString home() const { return dir.filePath(QStringLiteral("home")); }
+  QString mail() const { return home() + QStringLiteral("/Library/Mail"); }
+  QString listFile() const { return dir.filePath(QStringLiteral("archive.tmp")); }
+
+  void makeFolder(const QString& relative) const { QDir().mkpath(mail() + '/' + relative); }
+  void makeFile(const QString& path, const QByteArray& bytes) const {
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+  }
+
+  // Two accounts with nested and plain mailboxes, the local Mailboxes folder, and the
+  // folders and files that are not accounts.
+  void makeMailTree() const {
+    makeFolder(QStringLiteral("Work@imap.example.com/INBOX.mbox/Messages"));
+    makeFolder(QStringLiteral("Work@imap.example.com/Projects.mbox/Old.mbox/Messages"));
+    makeFolder(QStringLiteral("Home/Sent Messages.mbox/Messages"));
+    makeFolder(QStringLiteral("Mailboxes/Archive.mbox/Messages"));
+    makeFolder(QStringLiteral("Mailbox"));
+    makeFolder(QStringLiteral("Bundles"));
+    makeFolder(QStringLiteral("Signatures2"));
+    makeFile(mail() + QStringLiteral("/Envelope Index"), "not a folder");
+  }
+
+  MailSources sources(const QString& tool = test::toolPath(QStringLiteral("findmail"))) {
+    return MailSources(dialogs, home(), tool);
+  }
+
+  bool findmailBuilt() const {
+    return QFileInfo(test::toolPath(QStringLiteral("findmail"))).isExecutable();
+  }
+
+  QTemporaryDir dir;
+  test::FakeDialogs dialogs;
+};
+
+TEST_F(MailSourcesTest, AccountsAreTheMailFoldersDirectoriesExceptTheMailClientsOwn) {
+  makeMailTree();
+  MailSources list = sources();
+  const QList<int> rows =
+      list.listMailAccounts({QStringLiteral("Home"), QStringLiteral("Gone@pop.example.com")});
+
+  const QSet<QString> shown(list.sourceList.cbegin(), list.sourceList.cend());
+  // Mailbox and Mailboxes, Bundles and Signatures2 are the client's; a name shorter than seven
+  // characters is always an account; a plain file never is.
+  EXPECT_EQ(shown,
+            (QSet<QString>{QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")}));
+  ASSERT_EQ(rows.size(), 1);
+  EXPECT_EQ(list.sourceList.at(rows.first()), QStringLiteral("Home"));
+
+  // The rows chosen in the table come back in row order, whatever order they were picked in.
+  const QList<int> both{1, 0};
+  EXPECT_EQ(list.entriesAt(both), (QStringList{list.sourceList.at(0), list.sourceList.at(1)}));
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+}
+
+TEST_F(MailSourcesTest, NoMailFolderGivesAnEmptyListWithoutComplaint) {
+  MailSources list = sources();
+  list.sourceList = QStringList{QStringLiteral("left over")};
+  EXPECT_TRUE(list.listMailAccounts({QStringLiteral("Home")}).isEmpty());
+  EXPECT_TRUE(list.sourceList.isEmpty());
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+}
+
+TEST_F(MailSourcesTest, MailboxesComeFromFindmailWithTheirLineEnds) {
+  if (!findmailBuilt())
+    GTEST_SKIP() << "findmail is not built in " << test::toolsDir().toStdString();
+  makeMailTree();
+  MailSources list = sources();
+  const QString inbox = mail() + QStringLiteral("/Work@imap.example.com/INBOX.mbox\n");
+  const QString archive = mail() + QStringLiteral("/Mailboxes/Archive.mbox\n");
+  const QList<int> rows = list.listMailboxes({archive, QStringLiteral("/gone.mbox\n")}, listFile());
+
+  EXPECT_TRUE(list.sourceList.contains(inbox)) << list.sourceList.join(QString()).toStdString();
+  EXPECT_TRUE(list.sourceList.contains(archive));
+  EXPECT_TRUE(list.sourceList.contains(
+      mail() + QStringLiteral("/Work@imap.example.com/Projects.mbox/Old.mbox\n")));
+  EXPECT_TRUE(list.sourceList.contains(mail() + QStringLiteral("/Home/Sent Messages.mbox\n")));
+  EXPECT_EQ(list.sourceList.size(), 5);
+  ASSERT_EQ(rows.size(), 1);
+  EXPECT_EQ(list.sourceList.at(rows.first()), archive);
+  // The list stays for the store run's end (or the application's) to delete.
+  EXPECT_TRUE(QFileInfo::exists(listFile()));
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+}
+
+TEST_F(MailSourcesTest, AMissingListIsReportedAndAnOldOneIsNotTakenForIt) {
+  makeMailTree();
+  makeFile(listFile(), "/stale/INBOX.mbox\n");
+  MailSources list = sources(dir.filePath(QStringLiteral("no-such-findmail")));
+  EXPECT_TRUE(list.listMailboxes({QStringLiteral("/stale/INBOX.mbox\n")}, listFile()).isEmpty());
+  EXPECT_TRUE(list.sourceList.isEmpty());
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts.first().style, platform::AlertStyle::Critical);
+  EXPECT_TRUE(dialogs.alerts.first().title.isEmpty());
+  EXPECT_EQ(dialogs.alerts.first().message, QStringLiteral("Couldn't open ") + listFile());
+}
+
+TEST_F(MailSourcesTest, ListLinesAreReadInPiecesOfAtMost2999BytesAndNonUtf8LinesSkipped) {
+  // A stand-in for findmail that writes lines the real tool never would.
+  const QString tool = dir.filePath(QStringLiteral("fake-findmail"));
+  makeFile(tool,
+           "#!/bin/sh\n"
+           "{ printf 'caf\\303\\251.mbox\\n'; printf 'bad \\377 line\\n';"
+           "  head -c 3500 /dev/zero | tr '\\0' x; printf '\\n'; printf 'last'; } > \"$1\"\n");
+  QFile::setPermissions(tool, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+
+  MailSources list = sources(tool);
+  list.listMailboxes({}, listFile());
+  ASSERT_EQ(list.sourceList.size(), 4) << list.sourceList.join('|').left(200).toStdString();
+  EXPECT_EQ(list.sourceList.at(0), QStringLiteral("café.mbox\n"));
+  EXPECT_EQ(list.sourceList.at(1), QString(2999, QLatin1Char('x')));
+  EXPECT_EQ(list.sourceList.at(2), QString(501, QLatin1Char('x')) + QLatin1Char('\n'));
+  EXPECT_EQ(list.sourceList.at(3), QStringLiteral("last"));
+}
+
+}  // namespace
+}  // namespace quillery::ingest
