@@ -1,5 +1,6 @@
 #include "search/CategoryList.h"
 
+#include <QFileInfo>
 #include <cstdio>
 
 #include "archive/Archive.h"
@@ -7,6 +8,10 @@
 namespace quillery::search {
 
 bool CategoryList::getCategories(const QString& dbPath) {
+  // A file that is not there has no categories; opening it would create an empty archive
+  // wherever a path was merely named (a new path chosen, the first run's default).
+  if (!dbPath.isEmpty() && !QFileInfo::exists(dbPath))
+    return true;
   archive_.openDB(dbPath);
   if (archive_.openFailed) {
     archive_.openFailed = false;

@@ -22,6 +22,10 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
   QStandardPaths::setTestModeEnabled(true);
+#ifdef QUILLERY_TEST_GUI
+  // The HTML view's web engine needs this before the application object exists.
+  QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+#endif
   TestApplication app(argc, argv);
   TestApplication::setOrganizationName(QStringLiteral("QuilleryTests"));
   TestApplication::setApplicationName(QStringLiteral("QuilleryTests"));

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QDialog>
+#include <QList>
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+class QPushButton;
+
+namespace quillery::app {
+
+class DatePopUp;
+
+// The search panel: a date range, words for five message fields and part of an attachment's
+// name, the tag fields, and the connectors ("AND"/"OR") placed between the fields.
+class SearchPanel : public QDialog {
+  Q_OBJECT
+
+ public:
+  explicit SearchPanel(QWidget* parent = nullptr);
+
+  DatePopUp* beginMo;
+  DatePopUp* beginDa;
+  DatePopUp* beginYr;
+  DatePopUp* endMo;
+  DatePopUp* endDa;
+  DatePopUp* endYr;
+  // Cells 0 from, 1 to, 2 subject, 3 mailbox, 4 message text, 5 attachment file name.
+  QList<QLineEdit*> keyWords;
+  QComboBox* fromAndButton;
+  QComboBox* toAndButton;
+  QComboBox* subjAndButton;
+  QComboBox* mailboxAndButton;
+  QComboBox* searchCatButton;
+  // Cells 0 keywords, 1 notes.
+  QList<QLineEdit*> tagWords;
+  QComboBox* catAndButton;
+  QComboBox* keywordsAndButton;
+  QComboBox* priorityAndButton;
+  QCheckBox* priorityCheck;
+  QComboBox* searchPriorityButton;
+  QCheckBox* onlyAttachCheck;
+  QPushButton* resetButton;
+  QPushButton* resetTagsButton;
+  QPushButton* sqlButton;
+  QPushButton* browseButton;
+  QPushButton* searchButton;
+};
+
+}  // namespace quillery::app

@@ -1,0 +1,175 @@
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QTableView>
+
+#include "AppFixture.h"
+#include "app/BusyIndicator.h"
+#include "app/MainWindow.h"
+#include "app/ProgressPanel.h"
+#include "app/SetupPanel.h"
+#include "app/StorePanel.h"
+#include "app/TagPanel.h"
+
+namespace quillery::app {
+namespace {
+
+using ControllerTest = AppFixture;
+
+TEST_F(ControllerTest, StartUpMakesAPrivateTemporaryFolderPerRun) {
+  const QString first = start().tempDir;
+  const QString second = restart().tempDir;
+  EXPECT_TRUE(first.startsWith(QDir::tempPath() + QStringLiteral("/quillery_")));
+  EXPECT_TRUE(QFileInfo(first).isDir());
+  EXPECT_TRUE(QFileInfo(second).isDir());
+  EXPECT_NE(first, second);
+  QDir(first).removeRecursively();
+  QDir(second).removeRecursively();
+}
+
+TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwitch) {
+  QuilleryController& app = start();
+  QStringList menus;
+  for (QAction* menu : app.msWindow->menuBar()->actions())
+    menus.append(menu->text().remove(QLatin1Char('&')));
+  EXPECT_EQ(menus,
+            (QStringList{"File", "Edit", "Database", "Export", "Save", "Print", "Window", "Help"}));
+  const QStringList everyAction{
+      "newDbPath",      "openDbPath",     "openMbox",       "setStoreDate",      "convertDBFormat",
+      "mergeDB",        "backupDB",       "restoreDB",      "compactDB",         "doPrefPanel",
+      "defaultFont",    "retrieveFromDB", "browseDatabase", "editSqlString",     "showSchema",
+      "deleteFromList", "deleteSelected", "deleteAll",      "deleteAttachments", "tagEmail",
+      "viewOrig",       "replyToEmail",   "exportMbox",     "exportSQL",         "exportDb",
+      "exportTab",      "saveSelected",   "saveAll",        "saveList",          "saveOrigSelected",
+      "saveOrigAll",    "printSelected",  "printAll",       "terminate"};
+  for (const QString& name : everyAction)
+    EXPECT_TRUE(app.menuActions.contains(name)) << name.toStdString();
+  EXPECT_EQ(app.mySaveOrigSelected->text(), QStringLiteral("this original email"));
+  EXPECT_EQ(app.mySaveOrigAll->text(), QStringLiteral("all original email in list"));
+  EXPECT_EQ(app.menuActions.value("openMbox")->text(), QStringLiteral("Import MBOX Files…"));
+  EXPECT_EQ(app.menuActions.value("convertDBFormat")->text(),
+            QStringLiteral("Convert Database to New Format"));
+  EXPECT_EQ(app.menuActions.value("openDbPath")->shortcut(), QKeySequence(QKeySequence::Open));
+
+  // Sources are kept after a first run: every item is enabled.
+  for (QAction* action : std::as_const(app.menuActions))
+    EXPECT_TRUE(app.validateMenuItem(action)) << action->text().toStdString();
+  EXPECT_TRUE(app.storePanel->viewOrigButton->isEnabled());
+
+  app.prefPanel->origCheck->setChecked(false);
+  app.savePreferences();
+  for (QAction* action : std::as_const(app.menuActions)) {
+    const bool sourceItem = action == app.mySaveOrigSelected || action == app.mySaveOrigAll;
+    EXPECT_EQ(app.validateMenuItem(action), !sourceItem) << action->text().toStdString();
+    EXPECT_EQ(action->isEnabled(), !sourceItem) << action->text().toStdString();
+  }
+  EXPECT_FALSE(app.storePanel->viewOrigButton->isEnabled());
+
+  // An action of a later version says so; the preferences item opens the panel.
+  app.menuActions.value("exportMbox")->trigger();
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts.first().title, QStringLiteral("Not Yet Available"));
+  EXPECT_EQ(dialogs.alerts.first().style, platform::AlertStyle::Informational);
+  app.menuActions.value("doPrefPanel")->trigger();
+  EXPECT_TRUE(app.prefPanel->isVisible());
+}
+
+TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {
+  QuilleryController& app = start();
+  app.doProgressPanel(QStringLiteral("Retrieving..."));
+  EXPECT_TRUE(app.ProgressPanel->isVisible());
+  EXPECT_EQ(app.ProgressPanel->windowTitle(), QStringLiteral("Retrieving..."));
+  EXPECT_TRUE(app.ProgressPanel->indicator->isAnimating());
+
+  app.doProgressCount(0, 10);
+  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("0"));
+  app.doProgressCount(15, 10);
+  app.doProgressCount(9, 10);
+  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("0"));
+  app.doProgressCount(30, 10);
+  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("30"));
+  app.doProgressCount(31, 1);
+  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("31"));
+
+  app.ProgressPanel->close();
+  EXPECT_FALSE(app.ProgressPanel->isVisible());
+  EXPECT_FALSE(app.ProgressPanel->indicator->isAnimating());
+}
+
+TEST_F(ControllerTest, AFileHandedOverBecomesTheSavedArchivePathWithoutBeingOpened) {
+  QuilleryController& app = start();
+  const QString other = dir.filePath(QStringLiteral("other archive.db"));
+  makeArchive(other, {{QStringLiteral("2021-05-01 08:00:00"), QStringLiteral("kept"),
+                       QStringLiteral("Work")}});
+
+  EXPECT_TRUE(app.applicationOpenFile(other));
+  EXPECT_EQ(app.dbPath(), other);
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), other);
+  // Saving reads the new archive's categories and closes it again; nothing is listed.
+  EXPECT_FALSE(app.archive.isOpen());
+  EXPECT_EQ(app.tagPanel->setCatButton->findText(QStringLiteral("Work")), 1);
+  EXPECT_TRUE(app.storePanel->listCountTextField->text().isEmpty());
+  EXPECT_EQ(app.storePanel->storeTableView->model()->rowCount(), 0);
+
+  // A path that names no file yet is taken as it is and not created.
+  const QString fresh = dir.filePath(QStringLiteral("not yet.db"));
+  app.applicationOpenFile(fresh);
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), fresh);
+  EXPECT_FALSE(QFileInfo::exists(fresh));
+}
+
+TEST_F(ControllerTest, NewAndOpenAskForTheArchivePathAndKeepItOnlyWhenChosen) {
+  QuilleryController& app = start();
+  const QString created = dir.filePath(QStringLiteral("new.db"));
+  dialogs.setNextFileName(created);
+  app.newDbPath();
+  ASSERT_EQ(dialogs.savePanels.size(), 1);
+  EXPECT_TRUE(dialogs.savePanels.first().directory.isEmpty());
+  EXPECT_TRUE(dialogs.savePanels.first().fileName.isEmpty());
+  EXPECT_EQ(app.dbPath(), created);
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), created);
+  EXPECT_FALSE(QFileInfo::exists(created));
+
+  app.newDbPath();   // cancelled
+  app.openDbPath();  // cancelled
+  EXPECT_EQ(app.dbPath(), created);
+
+  dialogs.setNextFileNames(
+      {dir.filePath(QStringLiteral("a.db")), dir.filePath(QStringLiteral("b.db"))});
+  app.openDbPath();
+  ASSERT_EQ(dialogs.openPanels.size(), 2);
+  EXPECT_TRUE(dialogs.openPanels.last().filesOnly);
+  EXPECT_FALSE(dialogs.openPanels.last().multipleSelection);
+  EXPECT_EQ(app.dbPath(), dir.filePath(QStringLiteral("b.db")));
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), dir.filePath(QStringLiteral("b.db")));
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+}
+
+TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesPreferencesAndWindowLayout) {
+  QuilleryController& app = start();
+  for (const char* suffix : {".tmp", ".raw", ".log", ".storelog"})
+    writeFile(defaultDbPath() + QLatin1String(suffix), "left by a run");
+  app.prefPanel->htmlCheck->setChecked(false);
+  app.msWindow->setGeometry(40, 50, 900, 600);
+  app.msWindow->show();
+  app.storePanel->storeTableView->horizontalHeader()->resizeSection(4, 333);
+
+  QuilleryController& later = restart();
+  for (const char* suffix : {".tmp", ".raw", ".log"})
+    EXPECT_FALSE(QFileInfo::exists(defaultDbPath() + QLatin1String(suffix))) << suffix;
+  // The store log is the user's record of the run and stays.
+  EXPECT_TRUE(QFileInfo::exists(defaultDbPath() + QStringLiteral(".storelog")));
+  EXPECT_EQ(storedValue(QStringLiteral("htmlState")).toInt(), 0);
+  EXPECT_EQ(later.msWindow->size(), QSize(900, 600));
+  EXPECT_EQ(later.storePanel->storeTableView->horizontalHeader()->sectionSize(4), 333);
+}
+
+}  // namespace
+}  // namespace quillery::app

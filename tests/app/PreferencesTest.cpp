@@ -1,0 +1,216 @@
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSet>
+#include <QTableView>
+
+#include "AppFixture.h"
+#include "app/Preferences.h"
+#include "app/SearchPanel.h"
+#include "app/SetupPanel.h"
+#include "app/StorePanel.h"
+#include "app/TagPanel.h"
+
+namespace quillery::app {
+namespace {
+
+QStringList itemsOf(const QComboBox* popUp) {
+  QStringList items;
+  for (int i = 0; i < popUp->count(); ++i)
+    items.append(popUp->itemText(i));
+  return items;
+}
+
+QSet<QString> asSet(const QStringList& list) {
+  return QSet<QString>(list.cbegin(), list.cend());
+}
+
+using PreferencesTest = AppFixture;
+
+TEST_F(PreferencesTest, FirstRunChoosesEveryAccountAndStoresTheDefaultsAtOnce) {
+  makeAccounts({QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")});
+  QuilleryController& app = start();
+
+  EXPECT_EQ(app.dbPath(), defaultDbPath());
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), defaultDbPath());
+  EXPECT_EQ(asSet(storedValue(QStringLiteral("accounts")).toStringList()),
+            (QSet<QString>{QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")}));
+  EXPECT_EQ(app.prefPanel->selectedRows(), (QList<int>{0, 1}));
+  for (const char* on : {"attachState", "htmlState", "origState"})
+    EXPECT_EQ(storedValue(QLatin1String(on)).toInt(), 1) << on;
+  // All-mailboxes and trash keep the check boxes as they stand.
+  for (const char* off : {"allmbState", "trashState", "mailboxesState"})
+    EXPECT_EQ(storedValue(QLatin1String(off)).toInt(), 0) << off;
+  EXPECT_EQ(storedValue(QStringLiteral("panelFont/family")).toString(),
+            QStringLiteral("Lucida Grande"));
+  EXPECT_EQ(storedValue(QStringLiteral("panelFont/size")).toDouble(), 10.0);
+  EXPECT_TRUE(app.prefPanel->attachCheck->isChecked());
+  EXPECT_EQ(app.prefPanel->setupTitleTextField->text(),
+            QStringLiteral("Select OS X Mail Accounts:"));
+  // Naming the default archive does not create it.
+  EXPECT_FALSE(QFileInfo::exists(defaultDbPath()));
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+
+  // A later run reads what was stored, and a stored "" path is a first run again.
+  quit();
+  settings->setValue(QStringLiteral("accounts"), QStringList{QStringLiteral("Home")});
+  settings->setValue(QStringLiteral("backupPath"), QStringLiteral("/backups/mail.bak"));
+  QuilleryController& later = start();
+  EXPECT_EQ(later.prefs.accountList, QStringList{QStringLiteral("Home")});
+  EXPECT_EQ(later.prefs.backupPath, QStringLiteral("/backups/mail.bak"));
+  EXPECT_EQ(later.prefPanel->selectedRows().size(), 1);
+  EXPECT_TRUE(later.prefPanel->origCheck->isChecked());
+
+  quit();
+  settings->setValue(QStringLiteral("dbPath"), QString());
+  EXPECT_EQ(start().dbPath(), defaultDbPath());
+  EXPECT_EQ(storedValue(QStringLiteral("accounts")).toStringList().size(), 2);
+}
+
+TEST_F(PreferencesTest, CancelKeepsASwitchThatIsOnOverAStoredZeroAndDiscardsThePanelsEdits) {
+  QuilleryController& app = start();
+  ASSERT_EQ(app.prefs.attachState, 1);
+
+  // Zero stored behind the application's back does not turn an on switch off; non-zero is
+  // taken, and the mode is taken as stored whatever it is.
+  settings->setValue(QStringLiteral("attachState"), 0);
+  settings->setValue(QStringLiteral("trashState"), 1);
+  app.prefPanel->selectMboxButton->setCurrentIndex(1);
+  app.preferences().selectMailboxes();
+  ASSERT_EQ(app.prefs.mailboxesState, 1);
+  app.doPrefPanel();
+  app.prefPanel->origCheck->setChecked(false);
+  app.prefPanel->dbPath->setText(QStringLiteral("/typed/but/cancelled"));
+
+  app.cancelPrefs();
+  EXPECT_FALSE(app.prefPanel->isVisible());
+  EXPECT_EQ(app.prefs.attachState, 1);
+  EXPECT_TRUE(app.prefPanel->attachCheck->isChecked());
+  EXPECT_EQ(app.prefs.trashState, 1);
+  EXPECT_TRUE(app.prefPanel->trashCheck->isChecked());
+  EXPECT_EQ(app.prefs.mailboxesState, 0);
+  EXPECT_EQ(app.prefPanel->selectMboxButton->currentIndex(), 0);
+  EXPECT_TRUE(app.prefPanel->origCheck->isChecked());
+  EXPECT_EQ(app.dbPath(), defaultDbPath());
+
+  // The next save stores the switch as it is in memory.
+  app.savePreferences();
+  EXPECT_EQ(storedValue(QStringLiteral("attachState")).toInt(), 1);
+  EXPECT_EQ(storedValue(QStringLiteral("origState")).toInt(), 1);
+}
+
+TEST_F(PreferencesTest, FewerThanTwoStoredCategoriesAreReadFromTheArchive) {
+  makeArchive(
+      defaultDbPath(),
+      {{QStringLiteral("2020-01-01 10:00:00"), QStringLiteral("a"), QStringLiteral("Work")},
+       {QStringLiteral("2020-01-02 10:00:00"), QStringLiteral("b"), QStringLiteral("Home")},
+       {QStringLiteral("2020-01-03 10:00:00"), QStringLiteral("c"), QString(QLatin1String(""))},
+       {QStringLiteral("2020-01-04 10:00:00"), QStringLiteral("d"), QStringLiteral("Work")}});
+  settings->setValue(QStringLiteral("dbPath"), defaultDbPath());
+  settings->setValue(QStringLiteral("categories"), QStringList{QStringLiteral("Solo")});
+  QuilleryController& app = start();
+  const QStringList search = itemsOf(app.retrievePanel->searchCatButton);
+  EXPECT_EQ(search.first(), QStringLiteral("None"));
+  EXPECT_TRUE(search.contains(QStringLiteral("Work")) && search.contains(QStringLiteral("Home")));
+  EXPECT_FALSE(search.contains(QString()));
+  EXPECT_EQ(search.count(QStringLiteral("Work")), 1);
+  EXPECT_EQ(itemsOf(app.tagPanel->setCatButton), search);
+  EXPECT_FALSE(app.archive.isOpen());
+
+  // Saving reads them again without doubling anything, in the pop-ups or in the file.
+  app.savePreferences();
+  app.savePreferences();
+  EXPECT_EQ(itemsOf(app.retrievePanel->searchCatButton), search);
+  const QStringList stored = storedValue(QStringLiteral("categories")).toStringList();
+  EXPECT_EQ(stored.count(QStringLiteral("Work")), 1);
+
+  // Two stored entries are taken as they are; the archive is not read.
+  quit();
+  settings->setValue(QStringLiteral("categories"),
+                     QStringList{QStringLiteral("Family"), QStringLiteral("Travel")});
+  EXPECT_EQ(
+      itemsOf(start().retrievePanel->searchCatButton),
+      (QStringList{QStringLiteral("None"), QStringLiteral("Family"), QStringLiteral("Travel")}));
+}
+
+TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
+  const QString family = QStringLiteral("DejaVu Sans");
+  if (!QFontDatabase::families().contains(family) ||
+      !QFontDatabase::styles(family).contains(QStringLiteral("Bold")))
+    GTEST_SKIP() << "DejaVu Sans Bold is not installed (fonts-dejavu-core)";
+  QuilleryController& app = start();
+  QFont chosen(family);
+  chosen.setStyleName(QStringLiteral("Bold"));
+  chosen.setPointSizeF(13.5);
+  app.changeFont(chosen);
+  app.savePreferences();
+  EXPECT_TRUE(settingsText().contains(QStringLiteral("family=DejaVu Sans")))
+      << settingsText().toStdString();
+  EXPECT_TRUE(settingsText().contains(QStringLiteral("face=Bold")));
+
+  QuilleryController& later = restart();
+  EXPECT_EQ(later.prefs.currentFont.family(), family);
+  EXPECT_EQ(later.prefs.currentFont.styleName(), QStringLiteral("Bold"));
+  EXPECT_EQ(later.prefs.currentFont.pointSizeF(), 13.5);
+  QTableView* table = later.storePanel->storeTableView;
+  EXPECT_EQ(table->font().family(), family);
+  EXPECT_EQ(table->verticalHeader()->defaultSectionSize(),
+            qCeil(QFontMetricsF(later.prefs.currentFont).lineSpacing()) + 2);
+
+  // A font that is no longer installed gives the default.
+  quit();
+  settings->setValue(QStringLiteral("panelFont"),
+                     QVariantMap{{QStringLiteral("family"), QStringLiteral("No Such Font Family")},
+                                 {QStringLiteral("face"), QStringLiteral("Regular")},
+                                 {QStringLiteral("size"), 12.0}});
+  const QFont fallback = start().prefs.currentFont;
+  EXPECT_EQ(fallback.family(), QStringLiteral("Lucida Grande"));
+  EXPECT_EQ(fallback.pointSizeF(), 10.0);
+}
+
+TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {
+  makeAccounts({QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")});
+  QuilleryController& app = start();
+  const QStringList accounts = app.prefs.accountList;
+  ASSERT_EQ(accounts.size(), 2);
+
+  app.prefPanel->selectMboxButton->setCurrentIndex(1);
+  app.preferences().selectMailboxes();
+  EXPECT_EQ(app.prefPanel->setupTitleTextField->text(),
+            QStringLiteral("Select OS X Mail Mailboxes:"));
+  EXPECT_FALSE(app.prefPanel->allmbCheck->isEnabled());
+  EXPECT_FALSE(app.prefPanel->trashCheck->isEnabled());
+  ASSERT_EQ(app.mailSources.sourceList.size(), 2) << "findmail lists both INBOXes";
+  EXPECT_TRUE(app.mailSources.sourceList.first().endsWith(QStringLiteral("INBOX.mbox\n")));
+  app.prefPanel->showSources(app.mailSources.sourceList, {1});
+  app.savePreferences();
+  const QString mailbox = app.mailSources.sourceList.at(1);
+  EXPECT_EQ(storedValue(QStringLiteral("mailboxes")).toStringList(), QStringList{mailbox});
+  EXPECT_EQ(storedValue(QStringLiteral("accounts")).toStringList(), accounts);
+
+  app.prefPanel->selectMboxButton->setCurrentIndex(0);
+  app.preferences().selectMailboxes();
+  app.prefPanel->showSources(app.mailSources.sourceList, {0});
+  app.savePreferences();
+  EXPECT_EQ(storedValue(QStringLiteral("accounts")).toStringList(),
+            QStringList{app.mailSources.sourceList.at(0)});
+  EXPECT_EQ(storedValue(QStringLiteral("mailboxes")).toStringList(), QStringList{mailbox});
+
+  // Started in mailbox mode, the account-only switches are off in the panel but kept in
+  // memory; the mailbox chosen earlier is selected again.
+  quit();
+  settings->setValue(QStringLiteral("mailboxesState"), 1);
+  settings->setValue(QStringLiteral("allmbState"), 1);
+  QuilleryController& later = start();
+  EXPECT_EQ(later.prefs.allmbState, 1);
+  EXPECT_FALSE(later.prefPanel->allmbCheck->isChecked());
+  EXPECT_FALSE(later.prefPanel->allmbCheck->isEnabled());
+  ASSERT_EQ(later.prefPanel->selectedRows().size(), 1);
+  EXPECT_EQ(later.mailSources.sourceList.at(later.prefPanel->selectedRows().first()), mailbox);
+}
+
+}  // namespace
+}  // namespace quillery::app
