@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <string_view>
 
@@ -44,9 +45,7 @@ DomailDriver::~DomailDriver() {
     wait();
   }
   closeInput();
-  if (output_ >= 0) {
-    ::close(output_);
-  }
+  closeOutput();
 }
 
 bool DomailDriver::start(const std::vector<std::string>& arguments,
@@ -67,14 +66,19 @@ bool DomailDriver::start(const std::vector<std::string>& arguments,
   }
   argv.push_back(domailPath_);
   argv.insert(argv.end(), arguments.begin(), arguments.end());
+  std::vector<std::string> added = environment;
+  added.push_back("NSUnbufferedIO=YES");
   std::vector<std::string> env;
   for (char** e = environ; *e; ++e) {
-    if (!std::string_view(*e).starts_with("NSUnbufferedIO=")) {
+    const std::string_view entry(*e);
+    const bool replaced = std::any_of(added.begin(), added.end(), [&](const std::string& a) {
+      return entry.substr(0, entry.find('=') + 1) == a.substr(0, a.find('=') + 1);
+    });
+    if (!replaced) {
       env.push_back(*e);
     }
   }
-  env.push_back("NSUnbufferedIO=YES");
-  env.insert(env.end(), environment.begin(), environment.end());
+  env.insert(env.end(), added.begin(), added.end());
   std::vector<char*> argvPointers;
   for (std::string& a : argv) {
     argvPointers.push_back(a.data());
@@ -108,7 +112,7 @@ bool DomailDriver::start(const std::vector<std::string>& arguments,
 }
 
 std::optional<std::string> DomailDriver::nextAnnouncement(int timeoutMs) {
-  for (;;) {
+  while (output_ >= 0) {
     pollfd fd{output_, POLLIN, 0};
     const int ready = ::poll(&fd, 1, timeoutMs);
     if (ready < 0 && errno == EINTR) {
@@ -144,6 +148,7 @@ std::optional<std::string> DomailDriver::nextAnnouncement(int timeoutMs) {
     }
     return chunk;
   }
+  return std::nullopt;
 }
 
 bool DomailDriver::answer() {
@@ -153,6 +158,9 @@ bool DomailDriver::answer() {
 }
 
 bool DomailDriver::wroteBeforeAnswer() {
+  if (output_ < 0) {
+    return false;
+  }
   pollfd fd{output_, POLLIN, 0};
   return ::poll(&fd, 1, 0) > 0 && (fd.revents & POLLIN);
 }
@@ -164,18 +172,38 @@ void DomailDriver::closeInput() {
   }
 }
 
+void DomailDriver::closeOutput() {
+  if (output_ >= 0) {
+    ::close(output_);
+    output_ = -1;
+  }
+}
+
 bool DomailDriver::signal(int number) {
   return pid_ > 0 && ::kill(pid_, number) == 0;
 }
 
-int DomailDriver::wait() {
+int DomailDriver::wait(int timeoutMs) {
   if (pid_ <= 0) {
     return -1;
   }
   int status = 0;
-  while (::waitpid(pid_, &status, 0) < 0) {
-    if (errno != EINTR) {
+  for (int waited = 0;; waited += 10) {
+    const pid_t done = ::waitpid(pid_, &status, timeoutMs < 0 ? 0 : WNOHANG);
+    if (done == pid_) {
+      break;
+    }
+    if (done < 0 && errno != EINTR) {
       return -1;
+    }
+    if (timeoutMs >= 0 && waited >= timeoutMs) {
+      ::kill(pid_, SIGKILL);
+      ::waitpid(pid_, &status, 0);
+      pid_ = -1;
+      return -2;
+    }
+    if (done == 0) {
+      ::usleep(10000);
     }
   }
   pid_ = -1;

@@ -38,9 +38,12 @@ class DomailDriver {
   bool wroteBeforeAnswer();
 
   void closeInput();
+  // Stops reading the tool's output, as an application that has gone away.
+  void closeOutput();
   bool signal(int number);
   // Waits for the tool to end and returns its exit status, or 128 + the signal that ended it.
-  int wait();
+  // A tool still running after `timeoutMs` (when not negative) is killed and -2 returned.
+  int wait(int timeoutMs = -1);
 
   int attachmentStatuses() const { return attachmentStatuses_; }
   int searchingStatuses() const { return searchingStatuses_; }

@@ -1,0 +1,126 @@
+#include "ToolRun.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "domail/DomailDriver.h"
+#include "support/TestEnvironment.h"
+
+namespace quillery::tools::test {
+
+namespace fs = std::filesystem;
+
+ScratchDir::ScratchDir() {
+  std::string pattern = (fs::temp_directory_path() / "domail-test-XXXXXX").string();
+  path_ = ::mkdtemp(pattern.data()) ? pattern : std::string();
+}
+
+ScratchDir::~ScratchDir() {
+  std::error_code ec;
+  fs::remove_all(path_, ec);
+}
+
+void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
+  fs::create_directories(fs::path(path).parent_path());
+  std::ofstream(path, std::ios::binary) << bytes;
+  if (modified != 0) {
+    const timespec times[2] = {{modified, 0}, {modified, 0}};
+    ::utimensat(AT_FDCWD, path.c_str(), times, 0);
+  }
+}
+
+std::string readFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream bytes;
+  bytes << in.rdbuf();
+  return bytes.str();
+}
+
+std::string emlx(const std::string& message) {
+  return std::to_string(message.size()) + "       \n" + message +
+         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
+         "\t<key>flags</key>\n\t<integer>8590195713</integer>\n</dict>\n</plist>\n";
+}
+
+std::string domailPath() {
+  return quillery::test::toolPath(QStringLiteral("domail")).toStdString();
+}
+
+std::vector<std::string> toolArguments(const ToolRequest& r, const std::string& runLog) {
+  auto flag = [](bool on) { return std::string(on ? "1" : "0"); };
+  std::vector<std::string> args = {runLog,
+                                   flag(r.allMailboxes),
+                                   flag(r.attachments),
+                                   flag(r.htmlParts),
+                                   flag(r.trash),
+                                   flag(r.mode == ToolRequest::Mbox),
+                                   flag(r.raw),
+                                   flag(r.mode == ToolRequest::Mailboxes),
+                                   r.begin,
+                                   r.end};
+  args.insert(args.end(), r.sources.begin(), r.sources.end());
+  return args;
+}
+
+ToolOutcome runTool(const ToolRequest& request) {
+  ScratchDir work;
+  const std::string runLog = work / "archive.db.log";
+  ToolOutcome outcome;
+  DomailDriver driver(domailPath());
+  std::vector<std::string> environment = {"TZ=" + request.tz};
+  if (!request.home.empty()) {
+    environment.push_back("HOME=" + request.home);
+  }
+  if (!driver.start(toolArguments(request, runLog), environment)) {
+    return outcome;
+  }
+  while (std::optional<std::string> announcement = driver.nextAnnouncement()) {
+    AnnouncedMessage m;
+    m.announcement = *announcement;
+    m.text = readFile(work / "archive.db.tmp");
+    m.record = StoredRecord::read(m.text);
+    if (request.raw) {
+      m.raw = StoredRecord::readRaw(readFile(work / "archive.db.raw"));
+    }
+    outcome.faults += m.record.ended ? 0 : 1;
+    outcome.faults += driver.wroteBeforeAnswer() ? 1 : 0;
+    outcome.messages.push_back(std::move(m));
+    driver.answer();
+  }
+  outcome.faults += driver.timedOut() ? 1 : 0;
+  outcome.faults += driver.invalidChunks();
+  outcome.attachmentStatuses = driver.attachmentStatuses();
+  outcome.exitStatus = driver.wait(60000);
+  std::istringstream log(readFile(runLog));
+  for (std::string line; std::getline(log, line);) {
+    if (line.starts_with("INVALID: ")) {
+      outcome.invalid.push_back(line.substr(9));
+    } else if (line.starts_with("PARSED: ")) {
+      outcome.parsed = std::stol(line.substr(8));
+    }
+  }
+  return outcome;
+}
+
+const AnnouncedMessage* ToolOutcome::withSubject(const std::string& subject) const {
+  for (const AnnouncedMessage& m : messages) {
+    if (m.record.subject == subject) {
+      return &m;
+    }
+  }
+  return nullptr;
+}
+
+std::vector<std::string> ToolOutcome::subjects() const {
+  std::vector<std::string> out;
+  for (const AnnouncedMessage& m : messages) {
+    out.push_back(m.record.subject);
+  }
+  return out;
+}
+
+}  // namespace quillery::tools::test
