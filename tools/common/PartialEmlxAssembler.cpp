@@ -1,6 +1,7 @@
 #include "common/PartialEmlxAssembler.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <vector>
 
@@ -50,6 +51,33 @@ bool isBase64Text(std::string_view data) {
                     c == '+' || c == '/' || c == '=' || c == '\r' || c == '\n' || c == ' ';
     if (!ok) {
       return false;
+    }
+  }
+  return true;
+}
+
+// Whether stored text can stand as quoted-printable: short lines of printable ASCII, every
+// "=" opening an escape or a soft line break. Anything else is data still to be encoded.
+bool isQuotedPrintableText(std::string_view data) {
+  constexpr std::size_t kLongestLine = 78;
+  std::size_t column = 0;
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    const unsigned char c = static_cast<unsigned char>(data[i]);
+    if (c == '\n') {
+      column = 0;
+      continue;
+    }
+    if (++column > kLongestLine || (c < ' ' && c != '\t' && c != '\r') || c > '~') {
+      return false;
+    }
+    if (c == '=') {
+      const std::string_view next = data.substr(i + 1, 2);
+      const bool hex = next.size() == 2 && std::isxdigit(static_cast<unsigned char>(next[0])) &&
+                       std::isxdigit(static_cast<unsigned char>(next[1]));
+      const bool softBreak = next.starts_with('\n') || next.starts_with("\r\n") || next.empty();
+      if (!hex && !softBreak) {
+        return false;
+      }
     }
   }
   return true;
@@ -220,7 +248,8 @@ void PartialEmlxAssembler::leaf(std::string_view headers, std::string_view body,
     } else if (out.size() > dataStart && out.ends_with('\n')) {
       out.pop_back();
     }
-  } else if (encoding == "quoted-printable" && !stored->alreadyEncoded) {
+  } else if (encoding == "quoted-printable" &&
+             !(stored->alreadyEncoded && isQuotedPrintableText(stored->bytes))) {
     TransferEncoder::quotedPrintable(stored->bytes, eol, out);
   } else {
     out.append(stored->bytes);

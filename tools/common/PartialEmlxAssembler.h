@@ -28,7 +28,9 @@ class PartialEmlxAssembler {
   explicit PartialEmlxAssembler(PartLookup lookup) : lookup_(std::move(lookup)) {}
 
   // The stored parts of message `id` of an Apple Mail "Messages" folder: the file in
-  // Attachments/<id>/<part>/ beside that folder, else Messages/<id>.<part>.emlxpart.
+  // Attachments/<id>/<part>/ beside that folder (decoded data), else
+  // Messages/<id>.<part>.emlxpart (taken as already encoded when its text can stand in the
+  // part's encoding, else encoded like decoded data).
   static PartLookup folderLookup(const std::string& messagesDir, const std::string& id);
 
   // The rebuilt message.

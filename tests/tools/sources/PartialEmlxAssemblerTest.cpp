@@ -24,7 +24,8 @@ std::string stripped(const std::string& headers) {
 }
 
 // Part 2 lies in Attachments/7/2/ (decoded bytes), part 3 too (text for quoted-printable),
-// part 4 in Messages/7.4.emlxpart (already base64), part 5 nowhere.
+// part 4 in Messages/7.4.emlxpart (already base64), part 5 in Messages/7.5.emlxpart (text that
+// is no quoted-printable yet), part 6 nowhere.
 TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
   QTemporaryDir dir;
   const std::string box = dir.path().toStdString() + "/Box.mbox";
@@ -41,12 +42,15 @@ TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
           "Content-Type: text/plain; name=b.txt; charset=utf-8\n"
           "Content-Transfer-Encoding: quoted-printable\n") +
       "--XX\n" + stripped("Content-Type: image/png\nContent-Transfer-Encoding: base64\n") +
+      "--XX\n" +
+      stripped("Content-Type: text/plain\nContent-Transfer-Encoding: quoted-printable\n") +
       "--XX\n" + stripped("Content-Type: image/gif\nContent-Transfer-Encoding: base64\n") +
       "--XX--\nepilogue\n";
   SourceFixtures::write(box + "/Messages/7.partial.emlx", SourceFixtures::emlx(message));
   SourceFixtures::write(box + "/Attachments/7/2/a.pdf", allByteValues());
   SourceFixtures::write(box + "/Attachments/7/3/renamed.txt", qpText);
   SourceFixtures::write(box + "/Messages/7.4.emlxpart", "iVBORw0KGgo=\n");
+  SourceFixtures::write(box + "/Messages/7.5.emlxpart", "x = 1 =\nGrüße\n");
   // A full copy beside a partial one is the better of the two.
   const std::string whole = SourceFixtures::message(8);
   SourceFixtures::write(box + "/Messages/8.partial.emlx",
@@ -62,21 +66,17 @@ TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
   const std::string& rebuilt = got.messages[0].source;
   EXPECT_TRUE(rebuilt.starts_with(message.substr(0, message.find("--XX\n"))));
   EXPECT_TRUE(rebuilt.ends_with("--XX--\nepilogue\n"));
-  // Restored data runs up to the line break before the next delimiter, without a blank line;
-  // only the missing part keeps its empty body.
-  std::size_t blankBeforeDelimiter = 0;
-  for (std::size_t at = rebuilt.find("\n\n--XX"); at != std::string::npos;
-       at = rebuilt.find("\n\n--XX", at + 1)) {
-    ++blankBeforeDelimiter;
-  }
-  EXPECT_EQ(blankBeforeDelimiter, 1u);
+  // Restored base64 (both restored ones end in padding) runs up to the line break before the
+  // next delimiter, with no blank line between.
+  EXPECT_EQ(rebuilt.find("=\n\n--XX"), std::string::npos);
   const std::vector<std::string> parts = SourceFixtures::decodedParts(rebuilt);
-  ASSERT_EQ(parts.size(), 5u);
+  ASSERT_EQ(parts.size(), 6u);
   EXPECT_EQ(parts[0], "Hello");
   EXPECT_TRUE(parts[1] == allByteValues()) << "the PDF's bytes differ";
   EXPECT_EQ(parts[2], qpText);
   EXPECT_EQ(parts[3], "\x89PNG\r\n\x1a\n");
-  EXPECT_EQ(parts[4], "");  // missing: the part stays as the partial file has it
+  EXPECT_EQ(parts[4], "x = 1 =\nGrüße\n");
+  EXPECT_EQ(parts[5], "");  // missing: the part stays as the partial file has it
   std::size_t marks = 0;
   for (std::size_t at = rebuilt.find("X-Apple-Content-Length"); at != std::string::npos;
        at = rebuilt.find("X-Apple-Content-Length", at + 1)) {
