@@ -18,7 +18,9 @@ struct WalkOptions {
 // `invalid` and goes on, and calls `searching` while it looks for files. A walk returns false
 // as soon as `message` returns false (the tool was told to stop), else true.
 
-// mbox files, or Apple "Export Mailbox" folders (X.mbox/ holding a file "mbox").
+// mbox files, or Apple "Export Mailbox" folders (X.mbox/ holding a file "mbox"). A chosen
+// .emlx file is read as one message; a chosen folder gives its own messages and then those of
+// every mailbox folder inside it ("X/Sub").
 bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
                    const InvalidSink& invalid, const SearchingSink& searching);
 
@@ -27,7 +29,8 @@ bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSi
                    const InvalidSink& invalid, const SearchingSink& searching);
 
 // Account folder names under mailRoot ($HOME/Library/Mail), the word "Mailboxes" naming the
-// local mailboxes folder; which boxes are read follows the options.
+// local mailboxes folder; which boxes are read follows the options. A folder that two names
+// stand for (a version folder "V10" and "Mailboxes") is read once.
 bool walkAccounts(const std::string& mailRoot, const std::vector<std::string>& accountNames,
                   const WalkOptions& options, const MessageSink& message,
                   const InvalidSink& invalid, const SearchingSink& searching);

@@ -263,6 +263,18 @@ bool MboxReader::endsAtLength(std::string& out) {
   return false;
 }
 
+bool MboxReader::beginMessage(MboxMessage& out) {
+  const std::string postmark = std::move(*pendingPostmark_);
+  pendingPostmark_.reset();
+  if (pendingWithoutPostmark_) {
+    pendingWithoutPostmark_ = false;
+    appendBodyLine(out.source, {postmark, true});
+    return postmark.ends_with('\n');
+  }
+  out.postmarkDate = MboxPostmark::date(withoutLineEnd(postmark));
+  return true;
+}
+
 bool MboxReader::next(MboxMessage& out) {
   out.source.clear();
   out.postmarkDate.reset();
@@ -272,17 +284,7 @@ bool MboxReader::next(MboxMessage& out) {
   if (!started_ && !startFile()) {
     return false;
   }
-  std::string postmark = std::move(*pendingPostmark_);
-  pendingPostmark_.reset();
-  bool inHeaders = true;
-  if (pendingWithoutPostmark_) {
-    pendingWithoutPostmark_ = false;
-    appendBodyLine(out.source, {postmark, true});
-    inHeaders = postmark.ends_with('\n');
-  } else {
-    out.postmarkDate = MboxPostmark::date(withoutLineEnd(postmark));
-  }
-
+  bool inHeaders = beginMessage(out);
   bool prevBlank = false;
   std::size_t lastLineLength = 0;
   std::optional<std::uint64_t> contentLength;

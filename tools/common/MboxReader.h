@@ -56,6 +56,9 @@ class MboxReader {
   std::string_view peekPiece();
   std::uint64_t offsetOf(std::size_t index) const { return bufferOffset_ + index; }
   bool startFile();
+  // Takes the pending postmark, or the first header line of a file without one; returns
+  // whether the message's header block is still open.
+  bool beginMessage(MboxMessage& out);
   bool endsAtLength(std::string& out);
   std::optional<std::uint64_t> checkedContentLengthEnd(std::uint64_t bodyStart,
                                                        std::uint64_t length);
