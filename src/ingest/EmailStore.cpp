@@ -52,7 +52,7 @@ QString EmailStore::duplicateStatement(const QString& date, const QString& to, c
 
 void EmailStore::storeEmail(int numAttach) {
   CurrentMessage& m = message_;
-  m.storeBody = m.storeBody.trimmed();
+  m.storeBody = std::move(m.storeBody).trimmed();
   archive_.sqlResult.clear();
   for (QString* field : {&m.recFrom, &m.recTo, &m.recSubject, &m.recMailto, &m.recMailbox})
     SqlText::escapeSqlText(*field);

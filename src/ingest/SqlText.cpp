@@ -1,12 +1,32 @@
 #include "ingest/SqlText.h"
 
+#include <algorithm>
+
 namespace quillery::ingest {
+namespace {
+
+bool isDoubled(QChar c) {
+  return c == QLatin1Char('\\') || c == QLatin1Char('"');
+}
+
+}  // namespace
 
 void SqlText::escapeSqlText(QString& text) {
-  // The order is fixed: the other way round, the backslash before a doubled quote would be
-  // doubled as well.
-  text.replace(QLatin1Char('\\'), QLatin1String("\\\\"));
-  text.replace(QLatin1Char('"'), QLatin1String("\"\""));
+  // Doubling every backslash and then every double quote is the same as doubling each of
+  // them in one pass, which leaves a text without them untouched and unshared.
+  const QChar* begin = text.constData();
+  const QChar* end = begin + text.size();
+  const QChar* first = std::find_if(begin, end, isDoubled);
+  if (first == end)
+    return;
+  QString escaped(text.size() + std::count_if(first, end, isDoubled), Qt::Uninitialized);
+  QChar* out = std::copy(begin, first, escaped.data());
+  for (const QChar* c = first; c != end; ++c) {
+    *out++ = *c;
+    if (isDoubled(*c))
+      *out++ = *c;
+  }
+  text = std::move(escaped);
 }
 
 void SqlText::stripPlist(QString& source) {
