@@ -193,7 +193,7 @@ bool MboxReader::startFile() {
   }
   if (MimeHeaders::isFieldLine(withoutLineEnd(first))) {
     // A message saved without a postmark: its first line is read back as a header.
-    pendingWithoutPostmark_ = true;
+    wholeFile_ = true;
     pendingPostmark_ = std::move(first);
     return true;
   }
@@ -266,10 +266,13 @@ bool MboxReader::endsAtLength(std::string& out) {
 bool MboxReader::beginMessage(MboxMessage& out) {
   const std::string postmark = std::move(*pendingPostmark_);
   pendingPostmark_.reset();
-  if (pendingWithoutPostmark_) {
-    pendingWithoutPostmark_ = false;
-    appendBodyLine(out.source, {postmark, true});
-    return postmark.ends_with('\n');
+  if (wholeFile_) {
+    out.source = postmark;
+    while (havePiece()) {
+      const std::string_view piece = takePiece().text;
+      out.source.append(piece.data(), piece.size());
+    }
+    return false;
   }
   out.postmarkDate = MboxPostmark::date(withoutLineEnd(postmark));
   return true;
@@ -284,7 +287,10 @@ bool MboxReader::next(MboxMessage& out) {
   if (!started_ && !startFile()) {
     return false;
   }
-  bool inHeaders = beginMessage(out);
+  if (!beginMessage(out)) {
+    return !failed_;
+  }
+  bool inHeaders = true;
   bool prevBlank = false;
   std::size_t lastLineLength = 0;
   std::optional<std::uint64_t> contentLength;

@@ -22,7 +22,8 @@ struct MboxMessage {
 // handles mboxo and mboxrd quoting, Content-Length headers (mboxcl/cl2: a valid length lets a body
 // hold unquoted "From " lines), CRLF files, a leading UTF-8 byte-order mark, and postmarks as
 // MboxPostmark describes them. A file that starts with a header line instead of a postmark
-// is taken as one message without a postmark.
+// is a message saved on its own (.eml): the whole file, byte for byte, is that one message,
+// and "From " lines inside it (a forwarded message's postmark) split nothing.
 class MboxReader {
  public:
   explicit MboxReader(std::string path);
@@ -56,8 +57,8 @@ class MboxReader {
   std::string_view peekPiece();
   std::uint64_t offsetOf(std::size_t index) const { return bufferOffset_ + index; }
   bool startFile();
-  // Takes the pending postmark, or the first header line of a file without one; returns
-  // whether the message's header block is still open.
+  // Takes the pending postmark; in a file without one, reads the whole file into `out` and
+  // returns false.
   bool beginMessage(MboxMessage& out);
   bool endsAtLength(std::string& out);
   std::optional<std::uint64_t> checkedContentLengthEnd(std::uint64_t bodyStart,
@@ -79,7 +80,7 @@ class MboxReader {
   bool failed_ = false;
   bool notMail_ = false;
   std::optional<std::string> pendingPostmark_;  // postmark of the next message, if read
-  bool pendingWithoutPostmark_ = false;         // first message has no postmark
+  bool wholeFile_ = false;                      // no postmark: the file is one message
 };
 
 }  // namespace quillery::tools

@@ -83,6 +83,28 @@ TEST(CorpusTest, MboxFilesGiveTheMessagesACarefulReaderFinds) {
   }
 }
 
+// Single messages chosen as mbox files: each is one message, even where a forwarded message
+// inside starts with "From ". A file without a postmark is taken byte for byte; one with a
+// postmark loses that line and, unless a Content-Length counts it in, the blank line that
+// ends a message in an mbox.
+TEST(CorpusTest, SavedMessagesAreOneMessageEach) {
+  REQUIRE_CORPUS();
+  for (const auto& file : fs::directory_iterator(corpus() + "/mime")) {
+    Collected got;
+    tools::walkMboxFiles({file.path().string()}, got.sink(), got.invalidSink(), {});
+    ASSERT_EQ(got.messages.size(), 1u) << file.path();
+    const std::string& source = got.messages[0].source;
+    std::string bytes = SourceFixtures::read(file.path().string());
+    if (!bytes.starts_with("From ")) {
+      EXPECT_TRUE(source == bytes) << file.path();
+      continue;
+    }
+    bytes.erase(0, bytes.find('\n') + 1);
+    EXPECT_TRUE(source == bytes || source + "\n" == bytes || source + "\r\n" == bytes)
+        << file.path();
+  }
+}
+
 TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
   REQUIRE_CORPUS();
   const std::string mail = corpus() + "/emlx/Mail";
