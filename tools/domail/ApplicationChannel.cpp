@@ -86,7 +86,24 @@ bool ApplicationChannel::awaitAnswer() {
   }
 }
 
+bool ApplicationChannel::settle() {
+  if (outstanding_) {
+    if (!awaitAnswer()) {
+      return false;
+    }
+    outstanding_ = false;
+    if (heldWork_) {
+      heldWork_ = false;
+      working();
+    }
+  }
+  return !stopped();
+}
+
 bool ApplicationChannel::announce(std::string_view text) {
+  if (!settle()) {
+    return false;
+  }
   const StatusPacer::Clock::duration wait = pacer_.settleLeft(StatusPacer::Clock::now());
   if (wait > StatusPacer::Clock::duration::zero()) {
     std::this_thread::sleep_for(wait);
@@ -95,17 +112,20 @@ bool ApplicationChannel::announce(std::string_view text) {
     return false;
   }
   pacer_.wrote(StatusPacer::Clock::now());
-  return awaitAnswer();
+  outstanding_ = true;
+  return true;
 }
 
 void ApplicationChannel::working() {
-  if (write("attachment\n")) {
+  if (outstanding_) {
+    heldWork_ = true;
+  } else if (write("attachment\n")) {
     pacer_.wrote(StatusPacer::Clock::now());
   }
 }
 
 void ApplicationChannel::searching() {
-  if (pacer_.searchingDue(StatusPacer::Clock::now())) {
+  if (settle() && pacer_.searchingDue(StatusPacer::Clock::now())) {
     write("Looking for email");
   }
 }

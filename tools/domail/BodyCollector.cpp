@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/MimeHeaders.h"
+#include "domail/Base64Text.h"
 #include "domail/EnrichedText.h"
 #include "domail/FlowedText.h"
 #include "domail/HtmlText.h"
@@ -119,16 +120,22 @@ std::string childId(const std::string& parent, int index) {
 std::string cleanText(std::string_view text) {
   std::string out;
   out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i];
-    if (c == '\r') {
-      if (i + 1 < text.size() && text[i + 1] == '\n') {
-        continue;
-      }
-      out += '\n';
-    } else if (static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\t') {
-      out += c;
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  while (p < end) {
+    const char* run = p;
+    while (run < end &&
+           (static_cast<unsigned char>(*run) >= 0x20 || *run == '\n' || *run == '\t')) {
+      ++run;
     }
+    out.append(p, static_cast<std::size_t>(run - p));
+    if (run == end) {
+      break;
+    }
+    if (*run == '\r' && !(run + 1 < end && run[1] == '\n')) {
+      out += '\n';
+    }
+    p = run + 1;
   }
   return out;
 }
@@ -329,11 +336,30 @@ std::string BodyCollector::decodedBytes(GMimePart* part) {
   if (!content) {
     return {};
   }
+  if (g_mime_data_wrapper_get_encoding(content) == GMIME_CONTENT_ENCODING_BASE64) {
+    return Base64Text::decode(encodedBytes(part));  // GMime stops at the first padding
+  }
   GMimeStream* stream = g_mime_stream_mem_new();
   g_mime_data_wrapper_write_to_stream(content, stream);
   GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(stream));
   std::string out(reinterpret_cast<const char*>(bytes->data), bytes->len);
   g_object_unref(stream);
+  return out;
+}
+
+std::string BodyCollector::encodedBytes(GMimePart* part) {
+  GMimeDataWrapper* content = g_mime_part_get_content(part);
+  GMimeStream* source = content ? g_mime_data_wrapper_get_stream(content) : nullptr;
+  if (!source || g_mime_data_wrapper_get_encoding(content) != GMIME_CONTENT_ENCODING_BASE64) {
+    return {};
+  }
+  GMimeStream* copy = g_mime_stream_mem_new();
+  g_mime_stream_reset(source);
+  g_mime_stream_write_to_stream(source, copy);
+  g_mime_stream_reset(source);
+  GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(copy));
+  std::string out(reinterpret_cast<const char*>(bytes->data), bytes->len);
+  g_object_unref(copy);
   return out;
 }
 
@@ -399,8 +425,16 @@ void BodyCollector::addAttachment(GMimePart* part, const std::string& id, const 
       attachment.filename = "part-" + id + suffix;
     }
   }
+  const bool text = type.starts_with("text/");
+  if (!text && g_mime_part_get_content_encoding(part) == GMIME_CONTENT_ENCODING_BASE64 &&
+      Base64Text::clean(encodedBytes(part), attachment.content)) {
+    // Clean base64 goes into the record as it is, without decoding and encoding it again.
+    attachment.preEncoded = true;
+    out_->attachments.push_back(std::move(attachment));
+    return;
+  }
   std::string bytes = decodedBytes(part);
-  if (type.starts_with("text/") && bytes.find('\0') == std::string::npos) {
+  if (text && bytes.find('\0') == std::string::npos) {
     const char* declared = g_mime_object_get_content_type_parameter(GMIME_OBJECT(part), "charset");
     attachment.base64 = false;
     attachment.content = cleanText(text_.decoder().toUtf8(bytes, declared ? declared : ""));

@@ -60,6 +60,8 @@ class BodyCollector {
   void addRendering(GMimePart* part, const std::string& id, const std::string& text,
                     const char* suffix);
   std::string decodedBytes(GMimePart* part);
+  // The part's content still in its base64 transfer encoding, or "" when it has another.
+  std::string encodedBytes(GMimePart* part);
   std::string textOf(GMimePart* part, const std::string& type);
   std::string filenameOf(GMimePart* part);
   void startPartWork();

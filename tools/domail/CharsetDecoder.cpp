@@ -1,6 +1,7 @@
 #include "domail/CharsetDecoder.h"
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 
 namespace quillery::tools {
@@ -119,6 +120,22 @@ std::size_t validSequenceLength(const unsigned char* p, std::size_t left) {
   return length;
 }
 
+// How many bytes from `p` on are ASCII, eight at a time where it can.
+std::size_t asciiPrefix(const char* p, std::size_t size) {
+  std::size_t i = 0;
+  for (; i + 8 <= size; i += 8) {
+    std::uint64_t word;
+    std::memcpy(&word, p + i, 8);
+    if (word & 0x8080808080808080ull) {
+      break;
+    }
+  }
+  while (i < size && static_cast<unsigned char>(p[i]) < 0x80) {
+    ++i;
+  }
+  return i;
+}
+
 // JIS X 0213 plane 1 contains JIS X 0208 and the NEC row 13 (circled digits, units) that
 // Japanese mailers put into ISO-2022-JP; strict ISO-2022-JP rejects those.
 std::string withJisX0213Escapes(std::string_view bytes) {
@@ -147,21 +164,16 @@ CharsetDecoder::~CharsetDecoder() {
 }
 
 bool CharsetDecoder::isAscii(std::string_view bytes) {
-  for (char c : bytes) {
-    if (static_cast<unsigned char>(c) >= 0x80) {
-      return false;
-    }
-  }
-  return true;
+  return asciiPrefix(bytes.data(), bytes.size()) == bytes.size();
 }
 
 bool CharsetDecoder::isValidUtf8(std::string_view bytes) {
   const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
   std::size_t i = 0;
   while (i < bytes.size()) {
-    if (p[i] < 0x80) {
-      ++i;
-      continue;
+    i += asciiPrefix(bytes.data() + i, bytes.size() - i);
+    if (i == bytes.size()) {
+      break;
     }
     const std::size_t length = validSequenceLength(p + i, bytes.size() - i);
     if (length == 0) {
@@ -207,10 +219,7 @@ void CharsetDecoder::appendLenientUtf8(std::string_view bytes, std::string& out)
   const auto* p = reinterpret_cast<const unsigned char*>(bytes.data());
   std::size_t i = 0;
   while (i < bytes.size()) {
-    std::size_t run = i;
-    while (run < bytes.size() && p[run] < 0x80) {
-      ++run;
-    }
+    const std::size_t run = i + asciiPrefix(bytes.data() + i, bytes.size() - i);
     out.append(bytes.data() + i, run - i);
     i = run;
     if (i == bytes.size()) {

@@ -44,6 +44,7 @@ int DomailRun::run() {
     const WalkOptions options{arguments_.allMailboxes, arguments_.trash};
     walkAccounts(mailRoot(), arguments_.sources, options, message, invalid, searching);
   }
+  channel_.settle();  // the application reads the last record before the tool is gone
   log_.parsed(parsed_);
   return writeFailed_ ? 1 : 0;
 }
@@ -52,19 +53,21 @@ bool DomailRun::onMessage(RawMessage&& raw) {
   if (channel_.stopped()) {
     return false;
   }
-  ++parsed_;
   if (arguments_.rangeLimited() && !arguments_.inRange(converter_.dateText(raw))) {
+    ++parsed_;
     channel_.searching();
-    return true;
+    return !channel_.stopped();
   }
+  // Converted while the application still stores the message announced before.
   const bool converted = converter_.convert(raw, parsedMessage_, [this] { channel_.working(); });
   if (!converted) {
     log_.invalid(raw.path);
     return true;
   }
-  if (channel_.stopped()) {
+  if (!channel_.settle()) {
     return false;
   }
+  ++parsed_;
   if (!write(raw)) {
     return false;
   }

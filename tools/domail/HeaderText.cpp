@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "domail/Base64Text.h"
+
 namespace quillery::tools {
 namespace {
 
@@ -22,45 +24,6 @@ int hexValue(char c) {
     return c - 'a' + 10;
   }
   return -1;
-}
-
-int base64Value(char c) {
-  if (c >= 'A' && c <= 'Z') {
-    return c - 'A';
-  }
-  if (c >= 'a' && c <= 'z') {
-    return c - 'a' + 26;
-  }
-  if (c >= '0' && c <= '9') {
-    return c - '0' + 52;
-  }
-  if (c == '+') {
-    return 62;
-  }
-  if (c == '/') {
-    return 63;
-  }
-  return -1;
-}
-
-// Tolerant: characters outside the alphabet are skipped and padding may be missing.
-std::string decodeBase64(std::string_view text) {
-  std::string out;
-  unsigned bits = 0;
-  int count = 0;
-  for (char c : text) {
-    const int v = base64Value(c);
-    if (v < 0) {
-      continue;
-    }
-    bits = (bits << 6) | static_cast<unsigned>(v);
-    count += 6;
-    if (count >= 8) {
-      count -= 8;
-      out += static_cast<char>((bits >> count) & 0xFF);
-    }
-  }
-  return out;
 }
 
 std::string decodeQ(std::string_view text) {
@@ -103,7 +66,7 @@ std::optional<EncodedWord> encodedWordAt(std::string_view s, std::size_t at) {
   }
   EncodedWord word;
   word.charset = std::string(s.substr(at + 2, q1 - at - 2));
-  word.bytes = (kind == 'B' || kind == 'b') ? decodeBase64(text) : decodeQ(text);
+  word.bytes = (kind == 'B' || kind == 'b') ? Base64Text::decode(text) : decodeQ(text);
   word.end = close + 2;
   return word;
 }

@@ -373,13 +373,19 @@ std::string HtmlText::toText(std::string_view html) {
       out.space();
     }
   }
-  std::string text = out.finish();
+  const std::string text = out.finish();
   // A no-break space reads and searches as a blank.
-  for (std::size_t at = text.find("\xC2\xA0"); at != std::string::npos;
-       at = text.find("\xC2\xA0", at)) {
-    text.replace(at, 2, " ");
+  std::string plain;
+  plain.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '\xC2' && at + 1 < text.size() && text[at + 1] == '\xA0') {
+      plain += ' ';
+      ++at;
+    } else {
+      plain += text[at];
+    }
   }
-  return text;
+  return plain;
 }
 
 }  // namespace quillery::tools

@@ -7,11 +7,13 @@
 namespace quillery::tools {
 
 // One attachment as the record carries it. `content` holds the decoded bytes of a binary
-// part (written out as base64) or the UTF-8 text of a text part (written as it is).
+// part (written out as base64), or, when `preEncoded`, that part's clean base64 lines as the
+// message had them (each ending in "\n"), or the UTF-8 text of a text part (written as it is).
 struct ParsedAttachment {
   std::string type;      // "image/png"
   std::string filename;  // decoded, one line, never empty
   bool base64 = true;
+  bool preEncoded = false;
   std::string content;
 };
 

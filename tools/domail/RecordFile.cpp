@@ -58,11 +58,13 @@ bool RecordFile::rewrite(std::initializer_list<std::string_view> pieces) {
       vectors[first].iov_len -= left;
     }
   }
-  while (::ftruncate(fd_, total) != 0) {
+  // Growing happened with the write; only a shorter record needs the cut.
+  while (total < size_ && ::ftruncate(fd_, total) != 0) {
     if (errno != EINTR) {
       return false;
     }
   }
+  size_ = total;
   return true;
 }
 

@@ -28,6 +28,7 @@ class RecordFile {
  private:
   std::string path_;
   int fd_ = -1;
+  long long size_ = 0;  // the file's length after the last rewrite
 };
 
 }  // namespace quillery::tools

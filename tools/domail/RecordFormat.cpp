@@ -77,7 +77,9 @@ void RecordFormat::message(const ParsedMessage& m, std::string& out) {
       tagLine("FILENAME:", a.filename, out);
       tagLine("ENCODING:", a.base64 ? "base64" : "8bit", out);
       out += "BLOB:\n";
-      if (a.base64) {
+      if (a.base64 && a.preEncoded) {
+        out += a.content;
+      } else if (a.base64) {
         TransferEncoder::base64(a.content, "\n", out);
       } else {
         appendGuardedLines(a.content, out);
@@ -90,9 +92,20 @@ void RecordFormat::message(const ParsedMessage& m, std::string& out) {
 }
 
 std::string_view RecordFormat::rawSource(std::string_view source, std::string& scratch) {
-  const bool guard = needsRawGuard(source) ||
-                     memmem(source.data(), source.size(), "\nRAW:", 5) != nullptr ||
-                     memmem(source.data(), source.size(), "\nENDOFRAW:", 10) != nullptr;
+  // One search finds both markers: "RAW:" at a line start, or as the end of "ENDOFRAW:".
+  bool guard = false;
+  for (const char* at = source.data(); !guard;) {
+    const std::size_t left = static_cast<std::size_t>(source.data() + source.size() - at);
+    at = static_cast<const char*>(memmem(at, left, "RAW:", 4));
+    if (!at) {
+      break;
+    }
+    const std::size_t offset = static_cast<std::size_t>(at - source.data());
+    guard = offset == 0 || source[offset - 1] == '\n' ||
+            (offset >= 5 && source.substr(offset - 5, 5) == "ENDOF" &&
+             (offset == 5 || source[offset - 6] == '\n'));
+    at += 4;
+  }
   if (!guard) {
     return source;
   }

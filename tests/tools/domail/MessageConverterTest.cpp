@@ -93,7 +93,8 @@ TEST_F(MessageConverterTest, NestedMessagesAddTheirTextAndTheirAttachments) {
             "inner text");
   ASSERT_EQ(m.attachments.size(), 1u);
   EXPECT_EQ(m.attachments[0].filename, "part-2.2.png");
-  EXPECT_EQ(m.attachments[0].content, "\x89PNG\r\n\x1a\n");
+  EXPECT_TRUE(m.attachments[0].preEncoded) << "clean base64 is kept as it was";
+  EXPECT_EQ(m.attachments[0].content, "iVBORw0KGgo=\n");
 }
 
 TEST_F(MessageConverterTest, AttachmentsAreDecodedAndNamed) {
@@ -110,12 +111,17 @@ TEST_F(MessageConverterTest, AttachmentsAreDecodedAndNamed) {
       // Text that holds NUL bytes is binary after all.
       "--b\nContent-Type: text/plain; name=\"=?utf-8?B?w6TDtg==?=.log\"\n\nA\0B\n"
       "--b\nContent-Type: application/ms-tnef\nContent-Transfer-Encoding: base64\n\neJ8+\n"
-      "--b\nContent-Type: image/jpeg\nContent-Disposition: inline\n\nx\n"s));
+      "--b\nContent-Type: image/jpeg\nContent-Disposition: inline\n\nx\n"
+      // Base64 padded line by line is decoded whole and encoded afresh.
+      "--b\nContent-Type: application/octet-stream; name=a.bin\n"
+      "Content-Transfer-Encoding: base64\n\nQQ==\nQUI=\n"s));
   EXPECT_EQ(m.body, "body");
   EXPECT_EQ(names(m),
             "data.bin (base64) München list.csv (8bit) äö.log (base64) winmail.dat (base64) "
-            "part-6.jpg (base64) ");
-  ASSERT_EQ(m.attachments.size(), 5u);
+            "part-6.jpg (base64) a.bin (base64) ");
+  ASSERT_EQ(m.attachments.size(), 6u);
+  EXPECT_EQ(m.attachments[5].content, "AAB");
+  EXPECT_FALSE(m.attachments[5].preEncoded);
   EXPECT_EQ(m.attachments[0].content, std::string("\0\xFF\x10", 3));
   EXPECT_EQ(m.attachments[1].content, "ä,ö\n");
   EXPECT_EQ(m.attachments[1].type, "text/csv");

@@ -2,6 +2,7 @@
 // header words, charsets, MIME parameters, HTML, and the pacing of the searching status.
 #include <gtest/gtest.h>
 
+#include "domail/Base64Text.h"
 #include "domail/CharsetDecoder.h"
 #include "domail/HeaderText.h"
 #include "domail/HtmlText.h"
@@ -109,6 +110,19 @@ TEST(TextDecodingTest, CharsetsFallBackWithoutLosingText) {
   EXPECT_FALSE(CharsetDecoder::isValidUtf8("\xC0\xAF"));      // overlong
   EXPECT_FALSE(CharsetDecoder::isValidUtf8("\xED\xA0\x80"));  // surrogate
   EXPECT_TRUE(CharsetDecoder::isValidUtf8("\xF0\x9F\x8E\x85"));
+}
+
+TEST(TextDecodingTest, Base64IsDecodedWholeAndPassedOnOnlyWhenClean) {
+  EXPECT_EQ(Base64Text::decode("QUJD"), "ABC");
+  EXPECT_EQ(Base64Text::decode("QQ==\r\nQUI="), "AAB") << "blocks encoded one after another";
+  EXPECT_EQ(Base64Text::decode("Q U\nJ*D"), "ABC");
+  EXPECT_EQ(Base64Text::decode("QUI"), "AB");
+  std::string out;
+  EXPECT_TRUE(Base64Text::clean("QUJD\r\n\r\nQUI= \n", out));
+  EXPECT_EQ(out, "QUJD\nQUI=\n");
+  for (const char* dirty : {"QQ==\nQUI=", "QU*D", "QUJDQ", "", "Q===", "QUJD\nQUI=\nQ"}) {
+    EXPECT_FALSE(Base64Text::clean(dirty, out)) << dirty;
+  }
 }
 
 TEST(TextDecodingTest, MimeParametersWithContinuationsAndBrokenQuotes) {
