@@ -54,11 +54,15 @@ void EmailStore::storeEmail(int numAttach) {
   CurrentMessage& m = message_;
   m.storeBody = std::move(m.storeBody).trimmed();
   archive_.sqlResult.clear();
-  for (QString* field : {&m.recFrom, &m.recTo, &m.recSubject, &m.recMailto, &m.recMailbox})
+  // Escaped copies: the message keeps its values as read, so a later call for the same
+  // record, or a field carried over to the next record, is escaped once and not again.
+  headers_ = {m.recFrom, m.recTo, m.recSubject, m.recMailto, m.recMailbox};
+  for (QString* field :
+       {&headers_.from, &headers_.to, &headers_.subject, &headers_.mailto, &headers_.mailbox})
     SqlText::escapeSqlText(*field);
 
   const archive::ExecResult found =
-      archive_.exec(duplicateStatement(m.recDate, m.recTo, m.recFrom, m.recSubject),
+      archive_.exec(duplicateStatement(m.recDate, headers_.to, headers_.from, headers_.subject),
                     archive::singleValueCallback, &archive_);
   if (!found.ok())
     storeLog_.write(QStringLiteral("SQL error: ") + found.error + QLatin1Char('\n'));
@@ -99,44 +103,45 @@ void EmailStore::deleteOrLog(const QString& statement) {
 
 bool EmailStore::insertEmail(int numAttach) {
   CurrentMessage& m = message_;
-  // The unescaped body waits in sqlText for a second attempt; an empty body means none.
-  archive_.sqlText = m.storeBody;
+  // A failed insert is tried once more with an empty subject; a message with an empty body
+  // has no second attempt.
+  bool secondAttempt = !m.storeBody.isEmpty();
   for (;;) {
     QString statement = QStringLiteral(
         "INSERT INTO email (id,date_fld,from_fld,to_fld,subj_fld,mailto,mailbox,body_fld,"
         "numAttach) VALUES(NULL");
-    for (const QString* value :
-         {&m.recDate, &m.recFrom, &m.recTo, &m.recSubject, &m.recMailto, &m.recMailbox}) {
+    for (const QString* value : {&m.recDate, &headers_.from, &headers_.to, &headers_.subject,
+                                 &headers_.mailto, &headers_.mailbox}) {
       statement += QLatin1Char(',');
       appendQuoted(statement, *value);
     }
     // Header values lose their line ends (the mailbox carries one); the body keeps them.
     SqlText::removeNewlines(statement);
-    SqlText::escapeSqlText(m.storeBody);
-    statement.reserve(statement.size() + m.storeBody.size() + 16);
+    QString body = m.storeBody;
+    SqlText::escapeSqlText(body);
+    statement.reserve(statement.size() + body.size() + 16);
     statement += QLatin1Char(',');
-    appendQuoted(statement, m.storeBody);
+    appendQuoted(statement, body);
+    body.clear();
     statement += QLatin1Char(',') + QString::number(numAttach) + QLatin1Char(')');
 
     const archive::ExecResult result = archive_.exec(statement);
     if (result.ok()) {
-      archive_.sqlText.clear();
       ++counters_.storedCount;
       m.lastStoredId = int(archive_.lastInsertRowId());
       return true;
     }
     if (isNotADatabase(result.code)) {
       reportCorruptArchive();
-      archive_.sqlText.clear();
       return false;
     }
-    if (archive_.sqlText.isEmpty())
-      return false;  // given up without a word, as on the second attempt
+    if (!secondAttempt)
+      return false;  // given up without a word
     storeLog_.write(QStringLiteral("SQL error for this email: ") + messageSuffix(result.code));
     ++counters_.sqlErrorCount;
     m.recSubject.clear();
-    m.storeBody = archive_.sqlText;
-    archive_.sqlText.clear();
+    headers_.subject.clear();
+    secondAttempt = false;
   }
 }
 
@@ -207,8 +212,9 @@ bool EmailStore::insertRawSource() {
 void EmailStore::doAttachment(QString& attachText) {
   CurrentMessage& m = message_;
   const int encoded = m.attachEncoding.contains(QLatin1String("base64"), Qt::CaseInsensitive);
-  SqlText::escapeSqlText(m.attachFilename);
-  SqlText::removeNewlines(m.attachFilename);
+  QString filename = m.attachFilename;
+  SqlText::escapeSqlText(filename);
+  SqlText::removeNewlines(filename);
   // The type goes in unescaped.
   QString statement =
       QStringLiteral(
@@ -217,7 +223,7 @@ void EmailStore::doAttachment(QString& attachText) {
       QString::number(m.lastStoredId) + QLatin1Char(',');
   appendQuoted(statement, m.attachType);
   statement += QLatin1Char(',');
-  appendQuoted(statement, m.attachFilename);
+  appendQuoted(statement, filename);
   statement += QLatin1Char(',') + QString::number(encoded);
   SqlText::removeNewlines(statement);
   SqlText::escapeSqlText(attachText);
@@ -229,7 +235,7 @@ void EmailStore::doAttachment(QString& attachText) {
   const archive::ExecResult result = archive_.exec(statement);
   if (result.ok())
     return;
-  storeLog_.write(QStringLiteral("SQL error for attachment ") + m.attachFilename +
+  storeLog_.write(QStringLiteral("SQL error for attachment ") + filename +
                   QStringLiteral(" in this email: ") + messageSuffix(result.code));
   ++counters_.sqlErrorCount;
 }
@@ -237,8 +243,8 @@ void EmailStore::doAttachment(QString& attachText) {
 QString EmailStore::messageSuffix(int code) const {
   const CurrentMessage& m = message_;
   const QString separator = QStringLiteral("::");
-  return QString::number(code) + QStringLiteral("  ") + m.recDate + separator + m.recFrom +
-         separator + m.recTo + separator + m.recSubject + separator + m.recMailbox +
+  return QString::number(code) + QStringLiteral("  ") + m.recDate + separator + headers_.from +
+         separator + headers_.to + separator + headers_.subject + separator + headers_.mailbox +
          QLatin1Char('\n');
 }
 

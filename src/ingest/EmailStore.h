@@ -25,8 +25,9 @@ class StoreLog;
 // SQL errors that do not stop the run go to the store log; the user sees only three alerts:
 // "Store Failed" for an archive that proves corrupt (openFailed is raised, which ends the
 // run), "SQL error: %s" for a failing tags row and "Couldn't open %@" for a missing raw file.
-// The header fields of the current message are escaped in place, so a field carried over to
-// the next record arrives there escaped already.
+// Texts are escaped on their way into statements and log lines; the current message keeps
+// them as read, so storing it again (as the reader does when an attachment follows a failed
+// store) finds the first copy as a duplicate and replaces it.
 class EmailStore {
  public:
   EmailStore(archive::Archive& archive, CurrentMessage& message, StoreRunCounters& counters,
@@ -56,8 +57,8 @@ class EmailStore {
   bool insertEmail(int numAttach);
   bool insertTags();
   bool insertRawSource();
-  // " %d  %s::%s::%s::%s::%s\n" after an error text: the result code and the message's
-  // date, from, to, subject and mailbox.
+  // "%d  %s::%s::%s::%s::%s\n" after an error text: the result code and the message's
+  // date, from, to, subject and mailbox, escaped as in the statements.
   QString messageSuffix(int code) const;
   void deleteOrLog(const QString& statement);
   void reportCorruptArchive();
@@ -70,6 +71,11 @@ class EmailStore {
   platform::Progress& progress_;
   StorePaths paths_;
   bool origState_ = true;
+  // The header fields of the message stored last, escaped.
+  struct EscapedHeaders {
+    QString from, to, subject, mailto, mailbox;
+  };
+  EscapedHeaders headers_;
 };
 
 }  // namespace quillery::ingest

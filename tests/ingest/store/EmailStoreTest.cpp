@@ -126,13 +126,14 @@ TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {
   failInsertsWhen("attachments", "NEW.filename_fld = 'bad\"name'");
   failInsertsWhen("origemail", "1");
   sql("CREATE TRIGGER fail_update BEFORE UPDATE ON email BEGIN SELECT RAISE(ABORT, 'no'); END");
-  reader.storeInDB(record("Logged",
+  reader.storeInDB(record("Logged \"twice\"",
                           "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:bad\"name\nBLOB:\nx\nENDATTACH:\n"
                           "ENDATTACHMENTS:\n"));
   const QString suffix = QStringLiteral(
-      "19  2020-03-04 05:06:07::Ann <ann@example.com>::bob@example.com::Logged::Box\n\n");
+      "19  2020-03-04 05:06:07::Ann <ann@example.com>::bob@example.com::Logged \"\"twice\"\"::"
+      "Box\n\n");
   // The raw source fails, so the message counts as not stored and is stored once more at
-  // the end of its attachments, replacing the first row.
+  // the end of its attachments, replacing the first row: escaped once again, not twice.
   EXPECT_EQ(storeLogText(), "SQL error for raw source of this email: " + suffix +
                                 "SQL error for attachment bad\"\"name in this email: " + suffix +
                                 "SQL error for raw source of this email: " + suffix);
@@ -144,7 +145,7 @@ TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {
   reader.storeInDB(record("Updated",
                           "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:ok\nBLOB:\nx\n"
                           "ENDATTACH:\nENDATTACHMENTS:\n"));
-  EXPECT_TRUE(storeLogText().endsWith(suffix + "SQL error updating number of attachments\n"))
+  EXPECT_TRUE(storeLogText().endsWith("SQL error updating number of attachments\n"))
       << storeLogText().toStdString();
   EXPECT_EQ(counters.sqlErrorCount, 4);
 }
@@ -173,7 +174,6 @@ TEST_F(EmailStoreTest, ADamagedArchiveStopsTheRunWithAnAlert) {
   EXPECT_EQ(dialogs.alerts[0].title, "Store Failed");
   EXPECT_EQ(dialogs.alerts[0].message, paths.dbPath + " is not a valid database file.");
   EXPECT_TRUE(archive.openFailed);
-  EXPECT_TRUE(archive.sqlText.isEmpty());
   EXPECT_EQ(counters.storedCount, 40);
 }
 
