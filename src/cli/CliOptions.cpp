@@ -169,7 +169,8 @@ QString CliOptions::helpText() {
       "The confirmation that the window asks is taken as given.\n"
       "\n"
       "Exit status: 0 when the run ended (also when some files were invalid: see the\n"
-      "summary); 1 when the archive could not be opened or the run could not start;\n"
+      "summary); 1 when the archive could not be opened or the run could not start\n"
+      "(domail missing beside this program);\n"
       "2 when the command line is wrong.\n");
 }
 

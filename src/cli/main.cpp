@@ -69,6 +69,12 @@ void cancelOnSignals(ingest::StoreRun& run, QObject* owner) {
 }
 
 int runStore(QCoreApplication& app, const CliOptions& options) {
+  // Without the parser tool the run would end at once with nothing stored and a zero summary.
+  const QString domail = QCoreApplication::applicationDirPath() + QStringLiteral("/domail");
+  if (!QFileInfo(domail).isExecutable()) {
+    print(stderr, QStringLiteral("quillery-cli: the parser tool is missing: %1\n").arg(domail));
+    return kFailed;
+  }
   ConsoleDialogs dialogs;
   // The summary is printed on stdout below, and the confirmation is taken as given: a
   // scheduled job's standard error stays empty unless something went wrong.
@@ -81,8 +87,7 @@ int runStore(QCoreApplication& app, const CliOptions& options) {
   search::ResultList list(archive, dialogs, progress);
   ingest::CurrentMessage message;
   ingest::StoreRunCounters counters;
-  ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
-                       QCoreApplication::applicationDirPath() + QStringLiteral("/domail"));
+  ingest::StoreRun run(archive, list, message, counters, dialogs, progress, domail);
 
   ingest::StoreSources sources;
   switch (options.sourceKind) {

@@ -29,14 +29,15 @@ class CliTest : public ::testing::Test {
 
   QString home() const { return homeDir.path(); }
 
-  CliResult cli(const QStringList& arguments) const {
+  CliResult cli(const QStringList& arguments,
+                const QString& program = test::toolPath(QStringLiteral("quillery-cli"))) const {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("HOME"), home());
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home() + QStringLiteral("/.config"));
     environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
     process.setProcessEnvironment(environment);
-    process.start(test::toolPath(QStringLiteral("quillery-cli")), arguments);
+    process.start(program, arguments);
     process.closeWriteChannel();
     if (!process.waitForFinished(120000))
       return {};
@@ -125,6 +126,19 @@ TEST_F(CliTest, AnArchiveThatCannotBeOpenedFailsWithTheAlertText) {
     EXPECT_EQ(result.out, QString());
   }
   EXPECT_EQ(readFile(text), QStringLiteral("These are my notes, not an archive of mail at all.\n"));
+}
+
+TEST_F(CliTest, WithoutTheParserToolBesideItNothingIsStarted) {
+  const QString lonely = homeDir.filePath(QStringLiteral("quillery-cli"));
+  ASSERT_TRUE(QFile::copy(test::toolPath(QStringLiteral("quillery-cli")), lonely));
+  const QString archive = homeDir.filePath(QStringLiteral("never.db"));
+  const CliResult result = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
+                                QStringLiteral("--mbox"), mbox(1)},
+                               lonely);
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.err, QStringLiteral("quillery-cli: the parser tool is missing: ") +
+                            homeDir.filePath(QStringLiteral("domail")) + QLatin1Char('\n'));
+  EXPECT_FALSE(QFile::exists(archive));
 }
 
 TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
