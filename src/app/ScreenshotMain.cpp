@@ -1,12 +1,16 @@
-// quillery-screenshot <out.png> [archive]: builds the real main window (in a private home
-// folder, so no settings of the user are read or written), lists the archive when one is
-// given, and saves what the screen shows once the window is exposed. Not installed.
+// quillery-screenshot <out.png> [archive [window]]: builds the real main window (in a private
+// home folder, so no settings of the user are read or written), lists the archive when one is
+// given, brings the named window or panel ("prefPanel", "storeDatePanel", ...) to the front
+// when one is given, and saves what the screen shows once the window is exposed. Not
+// installed.
 #include <QApplication>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QScreen>
 #include <QTemporaryDir>
 #include <QTimer>
+#include <QWindow>
 #include <cstdio>
 
 #include "app/MainWindow.h"
@@ -46,21 +50,46 @@ int main(int argc, char** argv) {
     controller.archive.sqlText = QStringLiteral(
         "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
         "mailbox END),numAttach FROM email ORDER BY id");
+    QElapsedTimer clock;
+    clock.start();
     controller.resultList().retrieve(archivePath);
+    std::fprintf(stderr, "Listed %d messages in the window in %.3f s\n",
+                 controller.resultList().listCount, clock.nsecsElapsed() / 1e9);
+  }
+  if (argc > 3) {
+    const QString name = QString::fromLocal8Bit(argv[3]);
+    if (name == QLatin1String("prefPanel")) {
+      controller.doPrefPanel();
+    } else if (name == QLatin1String("ProgressPanel")) {
+      controller.doProgressPanel(QStringLiteral("Retrieving..."));
+      controller.doProgressCount(1200, 10);
+    } else if (auto* window = controller.msWindow->findChild<QWidget*>(name)) {
+      window->show();
+      window->raise();
+    }
   }
 
   const QString out = QString::fromLocal8Bit(argv[1]);
   int status = 1;
-  // A moment after the window is exposed, so the window manager has placed it and the
-  // table has been painted.
-  QTimer::singleShot(1500, &app, [&] {
+  auto grab = [&] {
     QScreen* screen = QGuiApplication::primaryScreen();
     if (screen != nullptr && screen->grabWindow(0).save(out))
       status = 0;
     else
       std::fprintf(stderr, "quillery-screenshot: could not save %s\n", argv[1]);
     QApplication::quit();
+  };
+  // Once the window is exposed, a moment more lets the window manager place it and the table
+  // paint its rows.
+  QTimer poll;
+  QObject::connect(&poll, &QTimer::timeout, &app, [&] {
+    const QWindow* window = controller.msWindow->windowHandle();
+    if (window != nullptr && window->isExposed()) {
+      poll.stop();
+      QTimer::singleShot(500, &app, grab);
+    }
   });
+  poll.start(50);
   QApplication::exec();
   return status;
 }

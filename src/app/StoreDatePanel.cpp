@@ -25,9 +25,6 @@ StoreDatePanel::StoreDatePanel(QWidget* parent)
   setWindowTitle(tr("Store Email"));
   storeButton->setDefault(true);
 
-  auto* explanation =
-      new QLabel(tr("Store the email dated from the first day up to the second one:"), this);
-  explanation->setWordWrap(true);
   auto* grid = new QGridLayout;
   grid->addWidget(new QLabel(tr("Month"), this), 0, 1);
   grid->addWidget(new QLabel(tr("Day"), this), 0, 2);
@@ -48,7 +45,6 @@ StoreDatePanel::StoreDatePanel(QWidget* parent)
   buttons->addWidget(storeButton);
 
   auto* layout = new QVBoxLayout(this);
-  layout->addWidget(explanation);
   layout->addLayout(grid);
   layout->addLayout(buttons);
   connect(allDatesButton, &QPushButton::clicked, this, &StoreDatePanel::resetAll);

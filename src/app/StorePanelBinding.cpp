@@ -28,7 +28,7 @@ StorePanelBinding::StorePanelBinding(MainWindow& window, StoreDatePanel& datePan
   QTableView* table = window_.storePanel()->storeTableView;
   table->setModel(model_);
   // Widths that fit the usual contents; the user's own come back with the saved layout.
-  const QList<int> widths{55, 90, 150, 180, 180, 280, 160};
+  const QList<int> widths{50, 85, 145, 175, 175, 260, 140};
   for (int column = 0; column < widths.size() && column < model_->columnCount(); ++column)
     table->horizontalHeader()->resizeSection(column, widths[column]);
   bindResultList();

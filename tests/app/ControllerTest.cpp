@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTableView>
 
 #include "AppFixture.h"
@@ -160,6 +161,11 @@ TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesPreferencesAndWindowLay
   app.msWindow->setGeometry(40, 50, 900, 600);
   app.msWindow->show();
   app.storePanel->storeTableView->horizontalHeader()->resizeSection(4, 333);
+
+  // Closing the main window is asking to quit.
+  QSignalSpy quitRequested(&app, &QuilleryController::quitRequested);
+  app.msWindow->close();
+  EXPECT_EQ(quitRequested.count(), 1);
 
   QuilleryController& later = restart();
   for (const char* suffix : {".tmp", ".raw", ".log"})
