@@ -97,7 +97,12 @@ void Preferences::refillSources() {
     return;
   }
   if (listingBlocked_) {
-    panel_.showSources(sources_.sourceList, {});
+    // The chosen mailboxes stay chosen, so a save meanwhile keeps them.
+    sources_.sourceList = values_.mailboxList;
+    QList<int> all;
+    for (int row = 0; row < sources_.sourceList.size(); ++row)
+      all.append(row);
+    panel_.showSources(sources_.sourceList, all);
     return;
   }
   const QList<int> rows =

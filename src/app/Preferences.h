@@ -60,7 +60,7 @@ class Preferences : public QObject {
   QString defaultDbPath() const { return homeDir_ + QStringLiteral("/Desktop/myemaildb"); }
 
   // While a store run uses the archive's ".tmp" file, the mailbox listing (which writes that
-  // file) keeps the table as it is.
+  // file) is not run: the table shows the mailboxes chosen before, all selected.
   void setMailboxListingBlocked(bool blocked) { listingBlocked_ = blocked; }
 
  Q_SIGNALS:

@@ -1,5 +1,6 @@
 #include <QAction>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -13,6 +14,7 @@
 #include "AppFixture.h"
 #include "app/DatePopUp.h"
 #include "app/MainWindow.h"
+#include "app/Preferences.h"
 #include "app/ProgressPanel.h"
 #include "app/SetupPanel.h"
 #include "app/StoreDatePanel.h"
@@ -225,6 +227,18 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOn) {
   app.openMbox();
   QTest::mouseClick(app.storeDatePanel->storeButton, Qt::LeftButton);
   ASSERT_TRUE(app.storeRun().isRunning());
+  // Listing mailboxes would overwrite the run's record file; the chosen ones are shown.
+  const QString record = app.dbPath() + QStringLiteral(".tmp");
+  writeFile(record, "FROM: the message being stored\n");
+  app.prefs.mailboxList = QStringList{QStringLiteral("/mail/Work/INBOX.mbox\n")};
+  app.prefPanel->selectMboxButton->setCurrentIndex(1);
+  app.preferences().selectMailboxes();
+  EXPECT_EQ(app.mailSources.sourceList, app.prefs.mailboxList);
+  EXPECT_EQ(app.prefPanel->selectedRows(), QList<int>{0});
+  QFile recordFile(record);
+  ASSERT_TRUE(recordFile.open(QIODevice::ReadOnly));
+  EXPECT_EQ(recordFile.readAll(), QByteArray("FROM: the message being stored\n"));
+
   app.prefPanel->htmlCheck->setChecked(false);
   app.applicationWillTerminate();
   EXPECT_FALSE(app.storeRun().isRunning());
