@@ -10,6 +10,7 @@
 #include "domail/FlowedText.h"
 #include "domail/HtmlText.h"
 #include "domail/MimeParameters.h"
+#include "domail/PartContent.h"
 
 namespace quillery::tools {
 namespace {
@@ -114,30 +115,6 @@ bool holds(GMimeObject* object, Wanted wanted, int depth) {
 std::string childId(const std::string& parent, int index) {
   const std::string n = std::to_string(index + 1);
   return parent.empty() ? n : parent + "." + n;
-}
-
-// Line ends to "\n"; NUL and other control characters that no reader wants are dropped.
-std::string cleanText(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  const char* p = text.data();
-  const char* const end = p + text.size();
-  while (p < end) {
-    const char* run = p;
-    while (run < end &&
-           (static_cast<unsigned char>(*run) >= 0x20 || *run == '\n' || *run == '\t')) {
-      ++run;
-    }
-    out.append(p, static_cast<std::size_t>(run - p));
-    if (run == end) {
-      break;
-    }
-    if (*run == '\r' && !(run + 1 < end && run[1] == '\n')) {
-      out += '\n';
-    }
-    p = run + 1;
-  }
-  return out;
 }
 
 std::string baseName(std::string name) {
@@ -268,7 +245,7 @@ void BodyCollector::leaf(GMimePart* part, const std::string& id, Role role, bool
   const bool attachment = !wholeMessage && isAttachment(object);
   if (!attachment && type == "text/plain") {
     if (role == Role::Body) {
-      std::string text = textOf(part, type);
+      std::string text = PartContent::text(part, text_.decoder());
       const char* format = g_mime_object_get_content_type_parameter(object, "format");
       if (format && lower(format) == "flowed") {
         const char* delsp = g_mime_object_get_content_type_parameter(object, "delsp");
@@ -280,7 +257,7 @@ void BodyCollector::leaf(GMimePart* part, const std::string& id, Role role, bool
   }
   if (!attachment && isRendering(type)) {
     if (role == Role::Body || options_.htmlParts) {
-      const std::string text = textOf(part, type);
+      const std::string text = PartContent::text(part, text_.decoder());
       if (role == Role::Body) {
         addSegment(type == "text/html" ? HtmlText::toText(text)
                                        : EnrichedText::toText(text, type == "text/richtext"));
@@ -329,48 +306,6 @@ void BodyCollector::addSegment(std::string text) {
     out_->body += "\n\n";
   }
   out_->body.append(text, lead, std::string::npos);
-}
-
-std::string BodyCollector::decodedBytes(GMimePart* part) {
-  GMimeDataWrapper* content = g_mime_part_get_content(part);
-  if (!content) {
-    return {};
-  }
-  if (g_mime_data_wrapper_get_encoding(content) == GMIME_CONTENT_ENCODING_BASE64) {
-    return Base64Text::decode(encodedBytes(part));  // GMime stops at the first padding
-  }
-  GMimeStream* stream = g_mime_stream_mem_new();
-  g_mime_data_wrapper_write_to_stream(content, stream);
-  GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(stream));
-  std::string out(reinterpret_cast<const char*>(bytes->data), bytes->len);
-  g_object_unref(stream);
-  return out;
-}
-
-std::string BodyCollector::encodedBytes(GMimePart* part) {
-  GMimeDataWrapper* content = g_mime_part_get_content(part);
-  GMimeStream* source = content ? g_mime_data_wrapper_get_stream(content) : nullptr;
-  if (!source || g_mime_data_wrapper_get_encoding(content) != GMIME_CONTENT_ENCODING_BASE64) {
-    return {};
-  }
-  GMimeStream* copy = g_mime_stream_mem_new();
-  g_mime_stream_reset(source);
-  g_mime_stream_write_to_stream(source, copy);
-  g_mime_stream_reset(source);
-  GByteArray* bytes = g_mime_stream_mem_get_byte_array(GMIME_STREAM_MEM(copy));
-  std::string out(reinterpret_cast<const char*>(bytes->data), bytes->len);
-  g_object_unref(copy);
-  return out;
-}
-
-std::string BodyCollector::textOf(GMimePart* part, const std::string& type) {
-  const std::string bytes = decodedBytes(part);
-  const char* declared = g_mime_object_get_content_type_parameter(GMIME_OBJECT(part), "charset");
-  std::string charset = declared ? declared : "";
-  if (charset.empty() && type == "text/html") {
-    charset = HtmlText::declaredCharset(bytes);
-  }
-  return cleanText(text_.decoder().toUtf8(bytes, charset));
 }
 
 std::string BodyCollector::filenameOf(GMimePart* part) {
@@ -427,17 +362,16 @@ void BodyCollector::addAttachment(GMimePart* part, const std::string& id, const 
   }
   const bool text = type.starts_with("text/");
   if (!text && g_mime_part_get_content_encoding(part) == GMIME_CONTENT_ENCODING_BASE64 &&
-      Base64Text::clean(encodedBytes(part), attachment.content)) {
+      Base64Text::clean(PartContent::encoded(part), attachment.content)) {
     // Clean base64 goes into the record as it is, without decoding and encoding it again.
     attachment.preEncoded = true;
     out_->attachments.push_back(std::move(attachment));
     return;
   }
-  std::string bytes = decodedBytes(part);
+  std::string bytes = PartContent::decoded(part);
   if (text && bytes.find('\0') == std::string::npos) {
-    const char* declared = g_mime_object_get_content_type_parameter(GMIME_OBJECT(part), "charset");
     attachment.base64 = false;
-    attachment.content = cleanText(text_.decoder().toUtf8(bytes, declared ? declared : ""));
+    attachment.content = PartContent::text(part, bytes, text_.decoder());
   } else {
     attachment.base64 = true;
     attachment.content = std::move(bytes);

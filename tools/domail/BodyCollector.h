@@ -29,7 +29,8 @@ struct PartOptions {
 // ("From:", "To:", "Date:", "Subject:") and their own body to the body, and their
 // attachments to the message's. Attachments carry their decoded names, or a name made from
 // their position ("part-2.1.jpg") when they have none; text attachments are decoded to
-// UTF-8, binary ones kept as bytes; application/ms-tnef is kept whole as "winmail.dat".
+// UTF-8; binary ones keep clean base64 as it was and are decoded to bytes otherwise;
+// application/ms-tnef is kept whole as "winmail.dat".
 // Trees deeper than 32 levels are read down to that depth.
 class BodyCollector {
  public:
@@ -59,10 +60,6 @@ class BodyCollector {
   void addAttachment(GMimePart* part, const std::string& id, const std::string& type);
   void addRendering(GMimePart* part, const std::string& id, const std::string& text,
                     const char* suffix);
-  std::string decodedBytes(GMimePart* part);
-  // The part's content still in its base64 transfer encoding, or "" when it has another.
-  std::string encodedBytes(GMimePart* part);
-  std::string textOf(GMimePart* part, const std::string& type);
   std::string filenameOf(GMimePart* part);
   void startPartWork();
 

@@ -8,6 +8,7 @@ namespace quillery::tools {
 namespace {
 
 const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);
+constexpr std::size_t kMaxConverters = 32;
 
 // windows-1252 0x80..0x9F; the five undefined bytes keep their C1 code points.
 constexpr char16_t kWindows1252High[32] = {
@@ -156,11 +157,16 @@ std::string withJisX0213Escapes(std::string_view bytes) {
 }  // namespace
 
 CharsetDecoder::~CharsetDecoder() {
+  closeAll();
+}
+
+void CharsetDecoder::closeAll() {
   for (auto& [name, cd] : converters_) {
     if (cd != kNoConverter) {
       iconv_close(cd);
     }
   }
+  converters_.clear();
 }
 
 bool CharsetDecoder::isAscii(std::string_view bytes) {
@@ -261,6 +267,9 @@ std::string CharsetDecoder::iconvName(std::string_view label) {
 
 iconv_t CharsetDecoder::converter(const std::string& name) {
   auto it = converters_.find(name);
+  if (it == converters_.end() && converters_.size() >= kMaxConverters) {
+    closeAll();  // labels made up by broken or hostile mail must not pile up
+  }
   if (it == converters_.end()) {
     it = converters_.emplace(name, iconv_open("UTF-8", name.c_str())).first;
   }

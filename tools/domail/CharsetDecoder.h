@@ -37,6 +37,7 @@ class CharsetDecoder {
 
  private:
   iconv_t converter(const std::string& name);
+  void closeAll();
   void convert(iconv_t cd, std::string_view bytes, std::string& out);
 
   std::map<std::string, iconv_t> converters_;

@@ -71,7 +71,6 @@ bool DomailRun::onMessage(RawMessage&& raw) {
   if (!write(raw)) {
     return false;
   }
-  ++announced_;
   return channel_.announce(RecordFormat::announcement(raw.path, parsedMessage_.subject));
 }
 

@@ -30,9 +30,6 @@ class DomailRun {
   // Returns the exit status: 0, or 1 when a record file could not be written.
   int run();
 
-  long parsed() const { return parsed_; }
-  long announced() const { return announced_; }
-
  private:
   bool onMessage(RawMessage&& raw);
   bool write(const RawMessage& raw);
@@ -48,7 +45,6 @@ class DomailRun {
   std::string record_;
   std::string scratch_;
   long parsed_ = 0;
-  long announced_ = 0;
   bool writeFailed_ = false;
 };
 

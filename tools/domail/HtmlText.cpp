@@ -304,6 +304,61 @@ std::size_t HtmlText::charsetValueAt(std::string_view html) {
   return std::string_view::npos;
 }
 
+namespace {
+
+// The text between two tags with its character references decoded.
+void appendDecoded(std::string_view html, std::size_t from, std::size_t to, std::string& out) {
+  out.clear();
+  for (std::size_t k = from; k < to;) {
+    const std::size_t stop = std::min(html.find('&', k), to);
+    out.append(html.substr(k, stop - k));
+    if (stop == to) {
+      break;
+    }
+    const std::size_t used = HtmlText::decodeReference(html.substr(0, to), stop, out);
+    if (used == 0) {
+      out += '&';
+    }
+    k = stop + std::max<std::size_t>(used, 1);
+  }
+}
+
+// What an element does to the text around it.
+void applyTag(const Tag& tag, TextBuilder& out, int& preDepth) {
+  if (tag.name == "br") {
+    out.hardBreak();
+  } else if (tag.name == "pre") {
+    preDepth = std::max(0, preDepth + (tag.closing ? -1 : 1));
+    out.paragraph();
+  } else if (contains(kParagraphs, tag.name)) {
+    out.paragraph();
+  } else if (contains(kLines, tag.name)) {
+    out.lineBreak();
+    if (tag.name == "li" && !tag.closing) {
+      out.text("* ", false);
+    }
+  } else if (tag.name == "td" || tag.name == "th") {
+    out.space();
+  }
+}
+
+// A no-break space reads and searches as a blank.
+std::string withPlainSpaces(const std::string& text) {
+  std::string plain;
+  plain.reserve(text.size());
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '\xC2' && at + 1 < text.size() && text[at + 1] == '\xA0') {
+      plain += ' ';
+      ++at;
+    } else {
+      plain += text[at];
+    }
+  }
+  return plain;
+}
+
+}  // namespace
+
 std::string HtmlText::toText(std::string_view html) {
   TextBuilder out;
   int preDepth = 0;
@@ -311,22 +366,7 @@ std::string HtmlText::toText(std::string_view html) {
   std::string decoded;
   while (i < html.size()) {
     const std::size_t lt = html.find('<', i);
-    const std::size_t textEnd = lt == std::string_view::npos ? html.size() : lt;
-    // Text up to the next tag, with its character references decoded.
-    decoded.clear();
-    for (std::size_t k = i; k < textEnd;) {
-      const std::size_t amp = html.find('&', k);
-      const std::size_t stop = std::min(amp, textEnd);
-      decoded.append(html.substr(k, stop - k));
-      if (stop == textEnd) {
-        break;
-      }
-      const std::size_t used = decodeReference(html.substr(0, textEnd), stop, decoded);
-      if (used == 0) {
-        decoded += '&';
-      }
-      k = stop + std::max<std::size_t>(used, 1);
-    }
+    appendDecoded(html, i, lt == std::string_view::npos ? html.size() : lt, decoded);
     out.text(decoded, preDepth > 0);
     if (lt == std::string_view::npos) {
       break;
@@ -353,39 +393,13 @@ std::string HtmlText::toText(std::string_view html) {
       if (close != std::string_view::npos) {
         i = readTag(html, close).end;
       } else if (tag.name != "head") {
-        i = html.size();
+        i = html.size();  // an unclosed script or style hides the rest
       }
       continue;
     }
-    if (tag.name == "br") {
-      out.hardBreak();
-    } else if (tag.name == "pre") {
-      preDepth = std::max(0, preDepth + (tag.closing ? -1 : 1));
-      out.paragraph();
-    } else if (contains(kParagraphs, tag.name)) {
-      out.paragraph();
-    } else if (contains(kLines, tag.name)) {
-      out.lineBreak();
-      if (tag.name == "li" && !tag.closing) {
-        out.text("* ", false);
-      }
-    } else if (tag.name == "td" || tag.name == "th") {
-      out.space();
-    }
+    applyTag(tag, out, preDepth);
   }
-  const std::string text = out.finish();
-  // A no-break space reads and searches as a blank.
-  std::string plain;
-  plain.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] == '\xC2' && at + 1 < text.size() && text[at + 1] == '\xA0') {
-      plain += ' ';
-      ++at;
-    } else {
-      plain += text[at];
-    }
-  }
-  return plain;
+  return withPlainSpaces(out.finish());
 }
 
 }  // namespace quillery::tools

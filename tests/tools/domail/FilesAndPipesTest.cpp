@@ -1,0 +1,166 @@
+// The tool's own plumbing on real pipes and files: the channel's rule that nothing follows an
+// unanswered announcement, the record files rewritten in place, the run log's lines and the
+// paths and range that the command line gives.
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ToolRun.h"
+#include "domail/ApplicationChannel.h"
+#include "domail/DomailArguments.h"
+#include "domail/RecordFile.h"
+#include "domail/RunLog.h"
+
+namespace quillery::tools {
+namespace {
+
+using test::readFile;
+using test::ScratchDir;
+
+// Both ends of the two pipes between the application and the tool.
+struct Pipes {
+  int toTool[2] = {-1, -1};
+  int fromTool[2] = {-1, -1};
+  Pipes() {
+    EXPECT_EQ(::pipe(toTool), 0);
+    EXPECT_EQ(::pipe(fromTool), 0);
+  }
+  ~Pipes() {
+    for (int fd : {toTool[0], toTool[1], fromTool[0], fromTool[1]}) {
+      if (fd >= 0) {
+        ::close(fd);
+      }
+    }
+  }
+  // What the tool wrote so far, without waiting.
+  std::string written() {
+    std::string out;
+    pollfd p{fromTool[0], POLLIN, 0};
+    while (::poll(&p, 1, 0) > 0 && (p.revents & POLLIN)) {
+      char buffer[256];
+      const ssize_t got = ::read(fromTool[0], buffer, sizeof buffer);
+      if (got <= 0) {
+        break;
+      }
+      out.append(buffer, static_cast<std::size_t>(got));
+    }
+    return out;
+  }
+  void answer(const char* text) { EXPECT_GT(::write(toTool[1], text, strlen(text)), 0); }
+};
+
+TEST(FilesAndPipesTest, NothingFollowsAnAnnouncementBeforeItsAnswer) {
+  Pipes pipes;
+  StopSignals signals;
+  ApplicationChannel channel(pipes.toTool[0], pipes.fromTool[1], signals);
+  channel.working();
+  EXPECT_EQ(pipes.written(), "attachment\n");
+  ASSERT_TRUE(channel.announce("/m/a\nfirst"));
+  EXPECT_EQ(pipes.written(), "/m/a\nfirst");
+  channel.working();  // the next message's parts, prepared while the first is stored
+  EXPECT_EQ(pipes.written(), "") << "a status now would make the announcement a status";
+  pipes.answer("go f");
+  pipes.answer("or it");
+  ASSERT_TRUE(channel.settle());
+  EXPECT_EQ(pipes.written(), "attachment\n") << "said once the answer came";
+  ASSERT_TRUE(channel.announce("/m/a\nsecond"));
+  pipes.answer("go for it");
+  ASSERT_TRUE(channel.announce("/m/a\nthird")) << "collects the answer before it writes";
+  EXPECT_EQ(pipes.written(), "/m/a\nsecond/m/a\nthird");
+
+  // End of input: the outstanding answer never comes and nothing more is written.
+  ::close(pipes.toTool[1]);
+  pipes.toTool[1] = -1;
+  EXPECT_FALSE(channel.settle());
+  EXPECT_TRUE(channel.stopped());
+  EXPECT_FALSE(channel.announce("/m/a\nfourth"));
+  channel.working();
+  EXPECT_EQ(pipes.written(), "");
+}
+
+TEST(FilesAndPipesTest, AStopSignalEndsTheWaitForAnAnswer) {
+  Pipes pipes;
+  StopSignals signals;
+  ApplicationChannel channel(pipes.toTool[0], pipes.fromTool[1], signals);
+  ASSERT_TRUE(channel.announce("/m/a\nfirst"));
+  ASSERT_EQ(::raise(SIGTERM), 0);  // blocked, so it waits on the signalfd
+  EXPECT_FALSE(channel.settle());
+  EXPECT_TRUE(channel.stopped());
+  // A closed output ends a run too.
+  Pipes other;
+  ApplicationChannel second(other.toTool[0], other.fromTool[1], signals);
+  ::close(other.fromTool[0]);
+  other.fromTool[0] = -1;
+  EXPECT_FALSE(second.announce("/m/a\nlost"));
+}
+
+TEST(FilesAndPipesTest, RecordFilesAreRewrittenInPlace) {
+  ScratchDir dir;
+  RecordFile file(dir / "a.tmp");
+  ASSERT_TRUE(file.open());
+  struct stat first {};
+  ASSERT_EQ(::stat((dir / "a.tmp").c_str(), &first), 0);
+  EXPECT_EQ(first.st_mode & 0777, 0600u) << "mail is for its owner's eyes";
+  const std::string big(300000, 'x');
+  for (const std::string& text : {std::string("hello world"), std::string("hi"), big,
+                                  std::string("after the big one"), std::string()}) {
+    ASSERT_TRUE(file.rewrite({text.substr(0, text.size() / 2), text.substr(text.size() / 2)}));
+    EXPECT_EQ(readFile(dir / "a.tmp"), text);
+  }
+  struct stat last {};
+  ASSERT_EQ(::stat((dir / "a.tmp").c_str(), &last), 0);
+  EXPECT_EQ(first.st_ino, last.st_ino);
+  RecordFile nowhere(dir / "missing/a.tmp");
+  EXPECT_FALSE(nowhere.open());
+  EXPECT_FALSE(nowhere.rewrite({"x"}));
+}
+
+TEST(FilesAndPipesTest, RunLogLinesAndTheCommandLine) {
+  ScratchDir dir;
+  {
+    RunLog log(dir / "archive.db.log");
+    ASSERT_TRUE(log.open());
+    log.invalid("/mail/a\nb\xE9.mbox");
+    log.parsed(3);
+  }
+  EXPECT_EQ(readFile(dir / "archive.db.log"), "INVALID: /mail/a bé.mbox\nPARSED: 3\n");
+
+  const char* argv[] = {"domail",
+                        "/x/archive.db.log",
+                        "1",
+                        "0",
+                        "1",
+                        "0",
+                        "1",
+                        "1",
+                        "0",
+                        "0000-00-00 00:00:00",
+                        "9999-99-99 00:00:00",
+                        "a.mbox"};
+  std::string error;
+  std::optional<DomailArguments> a = DomailArguments::parse(12, argv, error);
+  ASSERT_TRUE(a) << error;
+  EXPECT_EQ(a->messageFile(), "/x/archive.db.tmp");
+  EXPECT_EQ(a->rawFile(), "/x/archive.db.raw");
+  EXPECT_TRUE(a->allMailboxes && !a->attachments && a->htmlParts && a->mboxMode && a->rawSource);
+  EXPECT_EQ(a->sources, std::vector<std::string>{"a.mbox"});
+  EXPECT_FALSE(a->rangeLimited());
+  argv[1] = "/x/runlog";
+  argv[10] = "9999-99-15 00:00:00";
+  a = DomailArguments::parse(12, argv, error);
+  EXPECT_EQ(a->messageFile(), "/x/runlog.tmp");
+  EXPECT_FALSE(a->rangeLimited()) << "a year of All is no bound";
+  argv[9] = "2019-03-00 00:00:00";
+  a = DomailArguments::parse(12, argv, error);
+  EXPECT_TRUE(a->rangeLimited());
+  EXPECT_TRUE(a->inRange("2019-03-01 00:00:00"));
+  EXPECT_FALSE(a->inRange("2019-02-28 23:59:59"));
+  a = DomailArguments::parse(11, argv, error);
+  ASSERT_TRUE(a) << "no sources: nothing to do";
+  EXPECT_TRUE(a->sources.empty());
+}
+
+}  // namespace
+}  // namespace quillery::tools
