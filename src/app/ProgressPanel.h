@@ -23,6 +23,9 @@ class ProgressPanel : public QDialog, public platform::Progress {
  public:
   explicit ProgressPanel(QWidget* parent = nullptr);
 
+  // The dialog's own open() stays reachable beside the port's open(title).
+  using QDialog::open;
+
   void open(const QString& title) override;
   void setTitle(const QString& title) override;
   void showCount(const QString& text) override;
