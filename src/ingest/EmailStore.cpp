@@ -25,6 +25,15 @@ void appendQuoted(QString& statement, const QString& value) {
   statement += QLatin1Char('"');
 }
 
+// A long text (body, raw source, attachment) goes into the statement escaped on the way,
+// with no escaped copy of its own.
+void appendQuotedEscaped(QString& statement, const QString& value) {
+  statement.reserve(statement.size() + value.size() + value.size() / 16 + 8);
+  statement += QLatin1Char('"');
+  SqlText::appendEscaped(statement, value);
+  statement += QLatin1Char('"');
+}
+
 }  // namespace
 
 EmailStore::EmailStore(archive::Archive& archive, CurrentMessage& message,
@@ -117,12 +126,8 @@ bool EmailStore::insertEmail(int numAttach) {
     }
     // Header values lose their line ends (the mailbox carries one); the body keeps them.
     SqlText::removeNewlines(statement);
-    QString body = m.storeBody;
-    SqlText::escapeSqlText(body);
-    statement.reserve(statement.size() + body.size() + 16);
     statement += QLatin1Char(',');
-    appendQuoted(statement, body);
-    body.clear();
+    appendQuotedEscaped(statement, m.storeBody);
     statement += QLatin1Char(',') + QString::number(numAttach) + QLatin1Char(')');
 
     const archive::ExecResult result = archive_.exec(statement);
@@ -188,11 +193,9 @@ bool EmailStore::insertRawSource() {
       break;
     pieces.appendDecoded(source, piece);
   }
-  SqlText::escapeSqlText(source);
   QString statement = QStringLiteral("INSERT INTO origemail (id,orig_fld) VALUES(") +
                       QString::number(message_.lastStoredId) + QLatin1Char(',');
-  statement.reserve(statement.size() + source.size() + 4);
-  appendQuoted(statement, source);
+  appendQuotedEscaped(statement, source);
   statement += QLatin1Char(')');
   source.clear();
 
@@ -209,7 +212,7 @@ bool EmailStore::insertRawSource() {
   return false;
 }
 
-void EmailStore::doAttachment(QString& attachText) {
+void EmailStore::doAttachment(const QString& attachText) {
   CurrentMessage& m = message_;
   const int encoded = m.attachEncoding.contains(QLatin1String("base64"), Qt::CaseInsensitive);
   QString filename = m.attachFilename;
@@ -226,10 +229,8 @@ void EmailStore::doAttachment(QString& attachText) {
   appendQuoted(statement, filename);
   statement += QLatin1Char(',') + QString::number(encoded);
   SqlText::removeNewlines(statement);
-  SqlText::escapeSqlText(attachText);
-  statement.reserve(statement.size() + attachText.size() + 4);
   statement += QLatin1Char(',');
-  appendQuoted(statement, attachText);
+  appendQuotedEscaped(statement, attachText);
   statement += QLatin1Char(')');
 
   const archive::ExecResult result = archive_.exec(statement);

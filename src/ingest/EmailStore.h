@@ -43,9 +43,9 @@ class EmailStore {
   // fails is logged and stored once more with an empty subject, and a message that cannot
   // be stored even so (or whose body is empty) is dropped without a trace.
   void storeEmail(int numAttach);
-  // Stores one attachment of the message stored last, under lastStoredId. The text is
-  // escaped in place. A failure is logged; the message row stays.
-  void doAttachment(QString& attachText);
+  // Stores one attachment of the message stored last, under lastStoredId. A failure is
+  // logged; the message row stays.
+  void doAttachment(const QString& attachText);
 
   // The duplicate test: the ids of rows with this date, to, from and subject (escaped).
   static QString duplicateStatement(const QString& date, const QString& to, const QString& from,

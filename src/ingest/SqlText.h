@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 namespace quillery::ingest {
 
@@ -13,6 +14,8 @@ class SqlText {
   // quotes. SQLite keeps the doubled backslashes, so the archive holds every backslash of
   // the mail twice; readers of the archive expect that.
   static void escapeSqlText(QString& text);
+  // Appends text to out escaped as escapeSqlText would escape it, without a copy between.
+  static void appendEscaped(QString& out, QStringView text);
 
   // Cuts the mail client's property-list trailer from a raw message source: from the
   // "<?xml" that follows a point 100 characters before "Apple Computer//DTD PLIST" to the

@@ -82,6 +82,8 @@ void ResultList::retrieve(const QString& dbPath) {
   dbCountText_.clear();
   listCountText_.clear();
   listCount = 0;
+  lastTo_ = {};
+  lastMailbox_ = {};
   Q_EMIT countsChanged(dbCountText_, listCountText_);
   Q_EMIT messageViewCleared();
   Q_EMIT listWindowTitleChanged(QStringLiteral("retrieving email from database..."));
@@ -133,13 +135,23 @@ int ResultList::listRowCallback(void* context, int columns, char** values, char*
   if (archive.sqlResult.toInt() != 0)
     date += QLatin1Char('*');
   list->emailRows.append(Emailrow(id, numAttach, std::move(date), QString::fromUtf8(column(2)),
-                                  QString::fromUtf8(column(3)), QString::fromUtf8(column(4)),
-                                  QString::fromUtf8(column(5))));
+                                  repeatedText(column(3), list->lastTo_),
+                                  QString::fromUtf8(column(4)),
+                                  repeatedText(column(5), list->lastMailbox_)));
   ++list->listCount;
   // "%s" of a NULL id prints "(null)", as the id callback writes it.
   archive.idList.append(column(0) ? QString::fromUtf8(column(0)) : QStringLiteral("(null)"));
   list->progress_.doProgressCount(list->listCount, 10);
   return 0;
+}
+
+QString ResultList::repeatedText(const char* value, RepeatedText& last) {
+  const QByteArrayView bytes(value ? value : "");
+  if (bytes != QByteArrayView(last.bytes) || last.text.isNull()) {
+    last.bytes = bytes.toByteArray();
+    last.text = QString::fromUtf8(bytes);
+  }
+  return last.text;
 }
 
 void ResultList::clear() {

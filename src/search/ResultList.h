@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -88,6 +89,15 @@ class ResultList : public QObject {
   void fontReapplied();
 
  private:
+  // The bytes and text of a column on the row read last, for sharing repeated texts.
+  struct RepeatedText {
+    QByteArray bytes;
+    QString text;
+  };
+  // The text of a column that often repeats from row to row (the mailbox, the recipient):
+  // the previous row's text is shared when the bytes are the same, which keeps a long list
+  // small.
+  static QString repeatedText(const char* value, RepeatedText& last);
   void showCounts();
   // Sorts the rows ascending by the comparison named after the column identifier.
   bool sortBy(const QString& identifier);
@@ -97,6 +107,8 @@ class ResultList : public QObject {
   platform::Progress& progress_;
   QString dbCountText_;
   QString listCountText_;
+  RepeatedText lastTo_;
+  RepeatedText lastMailbox_;
 };
 
 }  // namespace quillery::search
