@@ -53,34 +53,35 @@ std::string Base64Text::decode(std::string_view text) {
 }
 
 bool Base64Text::clean(std::string_view text, std::string& out) {
-  out.clear();
-  out.reserve(text.size());
+  // One pass that copies as it checks: attachments are the bulk of a mail store's bytes.
+  out.resize(text.size() + 1);
+  char* write = out.data();
+  const char* lineStart = write;
   std::size_t characters = 0;
   std::size_t padding = 0;
-  std::size_t pos = 0;
-  while (pos < text.size()) {
-    std::size_t end = text.find('\n', pos);
-    end = end == std::string_view::npos ? text.size() : end;
-    std::string_view line = text.substr(pos, end - pos);
-    pos = end + 1;
-    while (!line.empty() && (line.back() == '\r' || line.back() == ' ' || line.back() == '\t')) {
-      line.remove_suffix(1);
-    }
-    if (line.empty()) {
-      continue;
-    }
-    for (char c : line) {
-      if (c == '=') {
-        ++padding;
-      } else if (kValues[static_cast<unsigned char>(c)] < 0 || padding > 0) {
+  for (const char c : text) {
+    if (kValues[static_cast<unsigned char>(c)] >= 0) {
+      if (padding > 0) {
         return false;
-      } else {
-        ++characters;
       }
+      *write++ = c;
+      ++characters;
+    } else if (c == '=') {
+      *write++ = c;
+      ++padding;
+    } else if (c == '\n') {
+      if (write != lineStart) {
+        *write++ = '\n';
+        lineStart = write;
+      }
+    } else if (c != '\r' && c != ' ' && c != '\t') {
+      return false;
     }
-    out += line;
-    out += '\n';
   }
+  if (write != lineStart) {
+    *write++ = '\n';
+  }
+  out.resize(static_cast<std::size_t>(write - out.data()));
   return characters > 0 && characters % 4 != 1 && padding <= 2;
 }
 

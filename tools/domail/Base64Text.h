@@ -13,10 +13,10 @@ class Base64Text {
   // decode to all their bytes. A group cut short gives the bytes its characters hold.
   static std::string decode(std::string_view text);
 
-  // Copies base64 text line by line, without line-end blanks and empty lines, into `out`
-  // when every line holds only the alphabet and "=" pads only the very end; false for
-  // anything else, which must then be decoded and encoded afresh so that no stray character
-  // reaches the archive's own decoder.
+  // Copies base64 text line by line, without blanks and empty lines, into `out` when it holds
+  // only the alphabet and "=" pads only the very end; false for anything else, which must
+  // then be decoded and encoded afresh so that no stray character reaches the archive's own
+  // decoder.
   static bool clean(std::string_view text, std::string& out);
 };
 

@@ -61,7 +61,7 @@ bool DomailDriver::start(const std::vector<std::string>& arguments,
     return false;
   }
   std::vector<std::string> argv;
-  if (::access("/usr/bin/nice", X_OK) == 0) {
+  if (throughNice_ && ::access("/usr/bin/nice", X_OK) == 0) {
     argv.push_back("/usr/bin/nice");
   }
   argv.push_back(domailPath_);

@@ -16,7 +16,9 @@ namespace quillery::tools {
 // must be answered with "go for it" before the tool writes again.
 class DomailDriver {
  public:
-  explicit DomailDriver(std::string domailPath) : domailPath_(std::move(domailPath)) {}
+  // `throughNice` false starts the tool directly, at the caller's priority.
+  explicit DomailDriver(std::string domailPath, bool throughNice = true)
+      : domailPath_(std::move(domailPath)), throughNice_(throughNice) {}
   ~DomailDriver();
   DomailDriver(const DomailDriver&) = delete;
   DomailDriver& operator=(const DomailDriver&) = delete;
@@ -53,6 +55,7 @@ class DomailDriver {
 
  private:
   std::string domailPath_;
+  bool throughNice_ = true;
   pid_t pid_ = -1;
   int input_ = -1;   // the tool's standard input, our write end
   int output_ = -1;  // the tool's standard output, our read end
