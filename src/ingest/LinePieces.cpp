@@ -44,6 +44,24 @@ void LinePieces::appendDecoded(QString& text, QByteArrayView piece) {
   text.resize(end - text.constData());
 }
 
+void LinePieces::appendDecodedRun(QString& text, QByteArrayView run) {
+  // A line end never falls inside a UTF-8 sequence, so the run is UTF-8 as a whole exactly
+  // when each of its pieces is.
+  const qsizetype start = text.size();
+  text.resize(start + run.size());
+  QChar* end = utf8_.appendToBuffer(text.data() + start, run);
+  if (!utf8_.hasError()) {
+    text.resize(end - text.constData());
+    return;
+  }
+  utf8_.resetState();
+  text.resize(start);
+  LinePieces pieces(run);
+  QByteArrayView piece;
+  while (pieces.next(piece))
+    appendDecoded(text, piece);
+}
+
 QString LinePieces::decodeAll(QByteArrayView bytes) {
   QString text;
   text.reserve(bytes.size());

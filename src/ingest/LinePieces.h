@@ -24,6 +24,10 @@ class LinePieces {
   bool next(QByteArrayView& piece);
   // Appends the piece, decoded, to text.
   void appendDecoded(QString& text, QByteArrayView piece);
+  // Appends a run of consecutive pieces, decoded exactly as piece by piece, but in one pass
+  // when all of them are UTF-8. Every piece of the run but the last must end with its line
+  // end, so that no character can straddle two of them.
+  void appendDecodedRun(QString& text, QByteArrayView run);
 
   // All of bytes, piece by piece, decoded and joined.
   static QString decodeAll(QByteArrayView bytes);

@@ -33,6 +33,11 @@ class RecordReader::Lines {
     return true;
   }
   bool atEnd() const { return done_; }
+  // Goes on after the line that ends at lineEnd (a line end, or the end of the text).
+  void skipPast(qsizetype lineEnd) {
+    position_ = lineEnd + 1;
+    done_ = lineEnd >= text_.size();
+  }
   // Where the next line starts, and where the line returned last started.
   qsizetype position() const { return position_; }
   qsizetype lineStart() const { return lineStart_; }
@@ -131,7 +136,7 @@ void RecordReader::readHeaderLine(QStringView line) {
 bool RecordReader::readBody(QStringView firstLine, Lines& lines) {
   message_.messageStored = false;
   QString body = withLineEnd(firstLine.mid(5));
-  collectUntil(lines, QStringLiteral("ENDOFBODY:"), body);
+  collectUntil(lines, u"ENDOFBODY:", body);
   message_.storeBody = std::move(body);
 
   QStringView next;
@@ -162,7 +167,7 @@ void RecordReader::readAttachments(Lines& lines) {
         !m.attachFilename.endsWith(QLatin1String("etf")))
       ++count;
     m.attachBlob.clear();
-    collectUntil(lines, QStringLiteral("ENDATTACH:"), m.attachBlob);
+    collectUntil(lines, u"ENDATTACH:", m.attachBlob);
     // The email row comes before its first attachment row.
     if (!m.messageStored)
       store_.storeEmail(count);
@@ -201,20 +206,27 @@ void RecordReader::readAttachmentField(QStringView line) {
   }
 }
 
-void RecordReader::collectUntil(Lines& lines, const QString& endMarker, QString& text) {
+void RecordReader::collectUntil(Lines& lines, QStringView endMarker, QString& text) {
   if (lines.atEnd())
     return;
+  const QStringView all = lines.text();
   const qsizetype from = lines.position();
-  QStringView line;
-  while (lines.next(line)) {
-    if (line.endsWith(endMarker)) {
-      text.append(lines.text().mid(from, lines.lineStart() - from));
-      return;
-    }
+  // The first line that ends with the marker holds its first occurrence that a line end or
+  // the end of the text follows; one search finds it in a long attachment.
+  qsizetype at = all.indexOf(endMarker, from);
+  while (at >= 0 && at + endMarker.size() < all.size() &&
+         all.at(at + endMarker.size()) != QLatin1Char('\n'))
+    at = all.indexOf(endMarker, at + 1);
+  if (at < 0) {
+    // The end of the text closes the section; its last line gets its "\n" like every other.
+    text.append(all.mid(from));
+    text.append(QLatin1Char('\n'));
+    lines.skipPast(all.size());
+    return;
   }
-  // The end of the text closes the section; its last line gets its "\n" like every other.
-  text.append(lines.text().mid(from));
-  text.append(QLatin1Char('\n'));
+  const qsizetype lineStart = at == from ? from : all.lastIndexOf(QLatin1Char('\n'), at - 1) + 1;
+  text.append(all.mid(from, std::max(lineStart, from) - from));
+  lines.skipPast(at + endMarker.size());
 }
 
 }  // namespace quillery::ingest

@@ -55,7 +55,7 @@ class RecordReader {
   void readAttachments(Lines& lines);
   void readAttachmentField(QStringView line);
   // Collects lines up to one that ends with endMarker (dropped whole) into text.
-  static void collectUntil(Lines& lines, const QString& endMarker, QString& text);
+  static void collectUntil(Lines& lines, QStringView endMarker, QString& text);
 
   EmailStore& store_;
   archive::Archive& archive_;

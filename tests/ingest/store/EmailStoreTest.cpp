@@ -113,11 +113,14 @@ TEST_F(EmailStoreTest, TheRawSourceIsReadOnlyWhenItIsKept) {
   EXPECT_FALSE(message.messageStored);
 
   // "RAW:" lines are skipped wherever they are; a line that is not UTF-8 is Windows-1252.
-  writeRaw("Subject: x\nRAW:\nC:\\dir \"q\"\nCaf\xe9\n");
+  // Each line piece decodes on its own: a character cut at 29,999 bytes is two 8-bit ones.
+  const QByteArray longLine(29998, 'a');
+  writeRaw("Subject: x\nRAW:\nC:\\dir \"q\"\nCaf\xe9\nRAW:\n" + longLine + "\xc3\xa9\nok\n");
   reader.storeInDB(record("On", "BODY:b\nENDOFBODY:\n"));
   EXPECT_EQ(
       value(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(message.lastStoredId)),
-      QStringLiteral("Subject: x\nC:\\\\dir \"q\"\nCafé\n"));
+      QStringLiteral("Subject: x\nC:\\\\dir \"q\"\nCafé\n") + QString::fromLatin1(longLine) +
+          QStringLiteral("Ã©\nok\n"));
 }
 
 TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {

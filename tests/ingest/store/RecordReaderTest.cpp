@@ -11,13 +11,14 @@ TEST_F(RecordReaderTest, OneMessageIsStoredFieldByFieldAndCounted) {
   reader.storeInDB(QStringLiteral(
       "MAILBOX: Work/Inbox \nFROM:  Ann <ann@example.com>\t\nTO: bob@example.com \n"
       "SUBJECT: Hello  \nDATE: 2020-03-04 05:06:07 \nMAILTO: ann@example.com \nX-OTHER: no\n"
-      "BODY:First line\nsecond line\n\nlast words ENDOFBODY:\nENDOFEMAIL:\n"));
+      "BODY:First line\nsecond ENDOFBODY: line\n\nlast words ENDOFBODY:\nENDOFEMAIL:\n"));
   EXPECT_EQ(value("SELECT date_fld||'|'||from_fld||'|'||to_fld||'|'||subj_fld||'|'||mailto||'|'"
                   "||mailbox||'|'||numAttach FROM email"),
             "2020-03-04 05:06:07|Ann <ann@example.com>|bob@example.com|Hello|ann@example.com|"
             "Work/Inbox |0");
-  // The body is trimmed, and text in front of the end marker goes with the marker.
-  EXPECT_EQ(value("SELECT body_fld FROM email"), "First line\nsecond line");
+  // The body is trimmed, ends only at a line that ends with the marker, and text in front
+  // of that marker goes with it.
+  EXPECT_EQ(value("SELECT body_fld FROM email"), "First line\nsecond ENDOFBODY: line");
   const int id = number("SELECT id FROM email");
   EXPECT_EQ(message.lastStoredId, id);
   EXPECT_EQ(counters.lowestStoredId, id);
@@ -50,7 +51,7 @@ TEST_F(RecordReaderTest, AttachmentsAreStoredAfterTheirMessageAndCountedByName) 
   reader.storeInDB(
       record("Files",
              "BODY:see attached\nENDOFBODY:\nATTACH:\nTYPE:application/pdf\nFILENAME:report.pdf\n"
-             "ENCODING:BASE64\nBLOB:dropped\nJVBERi0x\nLjQK\nENDATTACH:\n"
+             "ENCODING:BASE64\nBLOB:dropped\nJVBERi0x\nENDATTACH: no\nENDATTACH:\n"
              "ATTACH:\nTYPE:text/html\nFILENAME:winmail.dat.html\nENCODING:quoted-printable\n"
              "BLOB:\n<p>hi</p>\nlost ENDATTACH:\nENCODING:base64\n"
              "TYPE:text/html\nFILENAME:page.html\nBLOB:\n<b>x</b>\nENDATTACH:\n"
@@ -60,11 +61,12 @@ TEST_F(RecordReaderTest, AttachmentsAreStoredAfterTheirMessageAndCountedByName) 
   EXPECT_EQ(value("SELECT group_concat(n) FROM inserted"), "1");  // row before attachments
   EXPECT_EQ(number("SELECT numAttach FROM email"), 2);            // html and etf parts do not count
   EXPECT_EQ(value("SELECT body_fld FROM email"), "see attached\n\nATTACHMENTS:");
-  EXPECT_EQ(value(QStringLiteral("SELECT group_concat(type_fld||'|'||filename_fld||'|'||"
-                                 "encode_fld||'|'||attach_fld, '#') FROM attachments WHERE id=%1")
-                      .arg(id)),
-            "application/pdf|report.pdf|1|JVBERi0x\nLjQK\n#text/html|winmail.dat|0|<p>hi</p>\n#"
-            "text/html|page.html|0|<b>x</b>\n#text/enriched|rich.etf|0|bold\n");
+  EXPECT_EQ(
+      value(QStringLiteral("SELECT group_concat(type_fld||'|'||filename_fld||'|'||"
+                           "encode_fld||'|'||attach_fld, '#') FROM attachments WHERE id=%1")
+                .arg(id)),
+      "application/pdf|report.pdf|1|JVBERi0x\nENDATTACH: no\n#text/html|winmail.dat|0|<p>hi</p>\n#"
+      "text/html|page.html|0|<b>x</b>\n#text/enriched|rich.etf|0|bold\n");
 }
 
 TEST_F(RecordReaderTest, FieldsARecordLacksKeepTheValuesOfTheRecordBefore) {
