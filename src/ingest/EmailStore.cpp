@@ -206,8 +206,21 @@ bool EmailStore::insertTags() {
   return false;
 }
 
+void EmailStore::loadRawFile() {
+  if (!origState_)
+    return;
+  rawBytes_ = LinePieces::readFile(paths_.rawFile);
+  rawLoaded_ = true;
+}
+
+void EmailStore::releaseRawFile() {
+  rawLoaded_ = false;
+  rawBytes_.reset();
+}
+
 bool EmailStore::insertRawSource() {
-  const std::optional<QByteArray> bytes = LinePieces::readFile(paths_.rawFile);
+  const std::optional<QByteArray> bytes =
+      rawLoaded_ ? rawBytes_ : LinePieces::readFile(paths_.rawFile);
   if (!bytes) {
     dialogs_.critical(QString(), QStringLiteral("Couldn't open ") + paths_.rawFile);
     progress_.close();

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
+#include <optional>
 
 #include "ingest/CurrentMessage.h"
 #include "ingest/StorePaths.h"
@@ -38,6 +40,13 @@ class EmailStore {
   // Whether each message's raw source is kept; when off, the raw file is never opened.
   void setOrigState(bool on) { origState_ = on; }
 
+  // Reads the raw file now, when the source is kept (and only then), so that the parser
+  // tool may rewrite it while the message is stored; until releaseRawFile, storeEmail takes
+  // the source from what was read, and a raw file that could not be read is reported there
+  // as missing. Without it storeEmail reads the raw file itself.
+  void loadRawFile();
+  void releaseRawFile();
+
   // Stores the current message with numAttach as its attachment count. On success
   // lastStoredId is the new row's id and messageStored is raised; a message whose insert
   // fails is logged and stored once more with an empty subject, and a message that cannot
@@ -71,6 +80,8 @@ class EmailStore {
   platform::Progress& progress_;
   StorePaths paths_;
   bool origState_ = true;
+  bool rawLoaded_ = false;
+  std::optional<QByteArray> rawBytes_;
   // The header fields of the message stored last, escaped.
   struct EscapedHeaders {
     QString from, to, subject, mailto, mailbox;

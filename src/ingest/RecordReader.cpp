@@ -73,14 +73,19 @@ RecordReader::RecordReader(EmailStore& store, archive::Archive& archive, Current
       progress_(progress),
       listCount_(listCount) {}
 
-int RecordReader::doOneEmail(const QString& messageFilePath) {
+int RecordReader::doOneEmail(const QString& messageFilePath,
+                             const std::function<void()>& filesRead) {
   const std::optional<QByteArray> bytes = LinePieces::readFile(messageFilePath);
   if (!bytes)
     return 0;
   std::optional<QString> utf8 = LinePieces::strictUtf8(*bytes);
   const QString record = utf8 ? std::move(*utf8) : LinePieces::decodeAll(*bytes);
+  store_.loadRawFile();
+  if (filesRead)
+    filesRead();
   if (!record.isEmpty())
     storeInDB(record);
+  store_.releaseRawFile();
   return 1;
 }
 

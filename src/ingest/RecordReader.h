@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringView>
+#include <functional>
 
 #include "ingest/CurrentMessage.h"
 #include "ingest/StoreRunCounters.h"
@@ -39,7 +40,12 @@ class RecordReader {
   // of at most 29,999 bytes, each decoded as UTF-8 or else as Windows-1252, and stores the
   // record it holds. Returns 0 when the file cannot be opened (nothing is stored), else 1,
   // also for an empty file, which stores nothing.
-  int doOneEmail(const QString& messageFilePath);
+  //
+  // filesRead, when given, is called once the message file and the raw file are both in
+  // memory and before anything is stored (not at all when the message file cannot be
+  // opened): from then on the parser tool may write its next message into the two files
+  // while this one is stored.
+  int doOneEmail(const QString& messageFilePath, const std::function<void()>& filesRead = nullptr);
 
   // Parses one record and stores its message. A record that stores nothing still folds
   // lastStoredId into the run's id range, which then does not change.

@@ -297,19 +297,30 @@ void StoreRun::taskDataAvailable() {
   }
   while (text.startsWith(attachmentMark))
     text.remove(0, attachmentMark.size());
-  reader_->doOneEmail(paths_.messageFile);
+  // The answer goes out as soon as both record files have been read: the tool then writes
+  // its next message while this one is stored, and neither waits for the other.
+  bool answered = false;
+  reader_->doOneEmail(paths_.messageFile, [this, &answered] {
+    sendData(QStringLiteral("go for it"));
+    answered = true;
+  });
   if (text != lastProgressText) {
     progressTitle = QStringLiteral("Storing in database...");
     progress_.setTitle(progressTitle);
     progress_.showItem(text);
     lastProgressText = text;
   }
-  sendData(QStringLiteral("go for it"));
+  if (!answered)
+    sendData(QStringLiteral("go for it"));
 }
 
 void StoreRun::sendData(const QString& text) {
-  if (parserTask_)
-    parserTask_->write(text.toLatin1());
+  if (!parserTask_)
+    return;
+  parserTask_->write(text.toLatin1());
+  // Handed to the pipe now rather than when the event loop next runs, which is only after
+  // the message has been stored. Nine bytes fit an empty pipe at once, so this never waits.
+  parserTask_->waitForBytesWritten(0);
 }
 
 void StoreRun::logSqlError(const QString& statement) {
