@@ -126,5 +126,27 @@ TEST_F(RecordReaderTest, TheMessageFileIsReadAsUtf8ElseLineByLineAsWindows1252) 
   EXPECT_EQ(value("SELECT body_fld FROM email"), QStringLiteral("Grüße\n") + longLine);
 }
 
+TEST_F(RecordReaderTest, OnceBothFilesAreReadTheToolMayRewriteThem) {
+  store.setOrigState(true);
+  writeFile(paths.messageFile, record("Read first", "BODY:first body\nENDOFBODY:\n").toUtf8());
+  writeFile(paths.rawFile, "RAW:\nfirst source\nENDOFRAW:\n");
+  int calls = 0;
+  EXPECT_EQ(reader.doOneEmail(paths.messageFile,
+                              [&] {
+                                ++calls;
+                                EXPECT_EQ(number("SELECT count(*) FROM email"), 0);
+                                writeFile(paths.messageFile, "next record");
+                                QFile::remove(paths.rawFile);
+                              }),
+            1);
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(value("SELECT subj_fld||'|'||body_fld||'|'||orig_fld FROM email JOIN origemail "
+                  "USING(id)"),
+            "Read first|first body|first source\n");
+  EXPECT_TRUE(dialogs.alerts.isEmpty());
+  EXPECT_EQ(reader.doOneEmail(dir.filePath("missing"), [&] { ++calls; }), 0);
+  EXPECT_EQ(calls, 1);
+}
+
 }  // namespace
 }  // namespace quillery::ingest
