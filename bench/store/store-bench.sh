@@ -55,6 +55,11 @@ def wall_seconds(text):
         seconds = seconds * 60 + float(part)
     return seconds
 
+def cpu_seconds(text):
+    user = float(re.search(r"User time \(seconds\): (\S+)", text).group(1))
+    system = float(re.search(r"System time \(seconds\): (\S+)", text).group(1))
+    return user + system
+
 def peak_mb(text):
     return int(re.search(r"Maximum resident set size \(kbytes\): (\d+)", text).group(1)) / 1024
 
@@ -75,6 +80,10 @@ def report(name):
     seconds = wall_seconds(timing)
     print(f"{name} pass: {processed} processed, {stored} stored, {duplicates} replaced in "
           f"{seconds:.2f} s = {processed / seconds:.0f} messages/s, peak RSS {peak_mb(timing):.1f} MB")
+    # Processor time of quillery-cli and domail together: unlike the wall clock it does not
+    # depend on what else the machine runs.
+    print(f"  processor time {cpu_seconds(timing):.2f} s, "
+          f"{cpu_seconds(timing) / processed * 1e6:.0f} us per message")
     t = stamps(read(name + ".progress"))
     if all(k in t for k in (1000, 10000, 11000, 20000)):
         first = (t[10000] - t[1000]) / 9000
