@@ -1,6 +1,7 @@
 # Warning and sanitizer flags shared by every target of the project.
 function(quillery_defaults target)
-  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow=local)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic
+                                           $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local>)
   if(QUILLERY_WERROR)
     target_compile_options(${target} PRIVATE -Werror)
   endif()

@@ -294,19 +294,22 @@ bool MboxReader::next(MboxMessage& out) {
   bool prevBlank = false;
   std::size_t lastLineLength = 0;
   std::optional<std::uint64_t> contentLength;
-  std::optional<std::uint64_t> bodyEnd;  // from a Content-Length that checked out
+  // From a Content-Length that checked out. A plain value beside a flag rather than an
+  // optional: GCC's Release builds misread the optional as used uninitialised.
+  bool haveBodyEnd = false;
+  std::uint64_t bodyEnd = 0;
   while (havePiece()) {
     const std::uint64_t offset = offsetOf(begin_);
-    if (bodyEnd && lineStart_ && offset >= *bodyEnd) {
+    if (haveBodyEnd && lineStart_ && offset >= bodyEnd) {
       // The length ends the body; a blank line may stand between it and the next postmark.
       if (endsAtLength(out.source)) {
         return !failed_;
       }
-      bodyEnd.reset();
+      haveBodyEnd = false;
       continue;
     }
     const Piece piece = takePiece();
-    if (!bodyEnd && piece.lineStart && MboxPostmark::startsLikePostmark(piece.text) &&
+    if (!haveBodyEnd && piece.lineStart && MboxPostmark::startsLikePostmark(piece.text) &&
         piece.text.size() < kLongestPostmark) {
       std::string candidate(piece.text);  // peeking may move the buffer under the piece
       if (MboxPostmark::isSeparator(withoutLineEnd(candidate), peekPiece(), prevBlank)) {
@@ -326,7 +329,10 @@ bool MboxReader::next(MboxMessage& out) {
       if (blank) {
         inHeaders = false;
         if (contentLength) {
-          bodyEnd = checkedContentLengthEnd(offset + piece.text.size(), *contentLength);
+          const std::optional<std::uint64_t> end =
+              checkedContentLengthEnd(offset + piece.text.size(), *contentLength);
+          haveBodyEnd = end.has_value();
+          bodyEnd = end.value_or(0);
         }
       } else if (!contentLength) {
         contentLength = contentLengthValue(piece.text);
@@ -336,7 +342,7 @@ bool MboxReader::next(MboxMessage& out) {
     prevBlank = blank;
     lastLineLength = piece.text.size();
   }
-  if (prevBlank && !bodyEnd) {
+  if (prevBlank && !haveBodyEnd) {
     out.source.resize(out.source.size() - lastLineLength);
   }
   return !failed_;
