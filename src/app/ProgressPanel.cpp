@@ -74,10 +74,12 @@ void ProgressPanel::showItem(const QString& text) {
   repaintNow();
 }
 
-void ProgressPanel::setRunControlsVisible(bool visible) {
+void ProgressPanel::setRunControlsVisible(bool visible, RunControls which) {
   progressTextField->setVisible(visible);
-  parseFileTextField->setVisible(visible);
-  parseCancelButton->setVisible(visible);
+  if (which != RunControls::Count)
+    parseFileTextField->setVisible(visible);
+  if (which == RunControls::All)
+    parseCancelButton->setVisible(visible);
 }
 
 void ProgressPanel::close() {

@@ -30,7 +30,7 @@ class ProgressPanel : public QDialog, public platform::Progress {
   void setTitle(const QString& title) override;
   void showCount(const QString& text) override;
   void showItem(const QString& text) override;
-  void setRunControlsVisible(bool visible) override;
+  void setRunControlsVisible(bool visible, RunControls which) override;
   void close() override;
 
   BusyIndicator* indicator;

@@ -65,6 +65,10 @@ class Archive : public IdListState {
 
   sqlite3* archiveConnection = nullptr;
   bool openFailed = false;
+  // Raised while a store run holds the connection with its transaction open. Reopening the
+  // archive then would roll back everything stored so far, so actions that would call
+  // openDB check this first: they use the open connection as it stands, or wait.
+  bool storeRunUnderWay = false;
   QString sqlText;
   QString sqlResult;
   QStringList columnValues;

@@ -155,7 +155,7 @@ QString CliOptions::helpText() {
       "  --archive PATH        The archive file. Default: the window's saved archive path,\n"
       "                        else $HOME/Desktop/myemaildb. Created when missing.\n"
       "  --begin YYYY-MM-DD    Store only messages dated on or after this day.\n"
-      "  --end YYYY-MM-DD      Store only messages dated before this day.\n"
+      "  --end YYYY-MM-DD      Store only messages dated on or before this day.\n"
       "  --no-attachments      Do not store attachments.\n"
       "  --no-html             Do not store HTML parts as attachments.\n"
       "  --trash               Also store the Trash and Junk mailboxes (accounts).\n"
@@ -169,8 +169,8 @@ QString CliOptions::helpText() {
       "The confirmation that the window asks is taken as given.\n"
       "\n"
       "Exit status: 0 when the run ended (also when some files were invalid: see the\n"
-      "summary); 1 when the archive could not be opened or the run could not start\n"
-      "(domail missing beside this program);\n"
+      "summary); 1 when the archive could not be opened, the run could not start\n"
+      "(domail missing beside this program) or an alert reported an error during the run;\n"
       "2 when the command line is wrong.\n");
 }
 

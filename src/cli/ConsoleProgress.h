@@ -25,7 +25,7 @@ class ConsoleProgress : public platform::Progress {
   void setTitle(const QString& title) override;
   void showCount(const QString& text) override;
   void showItem(const QString& text) override;
-  void setRunControlsVisible(bool) override {}
+  void setRunControlsVisible(bool, RunControls) override {}
   void close() override;
 
  private:

@@ -63,6 +63,8 @@ void cancelOnSignals(ingest::StoreRun& run, QObject* owner) {
     [[maybe_unused]] const ssize_t got = ::read(signalPipe[0], &byte, 1);
     print(stderr, QStringLiteral("\nCancelling: the messages stored so far are kept.\n"));
     run.cancelParse();
+    // A tool that is still searching would only see the request at its next message.
+    run.stopParserNow();
   });
   std::signal(SIGINT, onSignal);
   std::signal(SIGTERM, onSignal);
@@ -116,7 +118,8 @@ int runStore(QCoreApplication& app, const CliOptions& options) {
     return kFailed;
   QCoreApplication::exec();
   print(stdout, summary);
-  return kOk;
+  // A damaged archive or a failing tags row was reported on standard error during the run.
+  return dialogs.lastCriticalMessage().isEmpty() ? kOk : kFailed;
 }
 
 int runList(const CliOptions& options) {

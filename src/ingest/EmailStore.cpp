@@ -224,7 +224,7 @@ bool EmailStore::insertRawSource() {
   if (!bytes) {
     dialogs_.critical(QString(), QStringLiteral("Couldn't open ") + paths_.rawFile);
     progress_.close();
-    progress_.setRunControlsVisible(false);
+    progress_.setRunControlsVisible(false, platform::Progress::RunControls::CountAndItem);
     return false;
   }
   QString source = rawSourceText(*bytes);

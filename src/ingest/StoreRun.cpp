@@ -55,6 +55,9 @@ StoreRun::~StoreRun() {
 }
 
 std::optional<StoreDate> StoreRun::setStoreDate(const QString& dbPath) {
+  // Reopening the archive now would roll back the running store's transaction.
+  if (isRunning())
+    return std::nullopt;
   archive_.openDB(dbPath);
   if (archive_.openFailed) {
     archive_.openFailed = false;
@@ -79,6 +82,9 @@ std::optional<StoreDate> StoreRun::setStoreDate(const QString& dbPath) {
 }
 
 bool StoreRun::openMbox() {
+  // The end of the running store would clear the mbox mode chosen now.
+  if (isRunning())
+    return false;
   platform::OpenPanel panel;
   panel.title = QStringLiteral("Import MBOX Files");
   panel.prompt = QStringLiteral("Open");
@@ -190,10 +196,11 @@ void StoreRun::beginRun(const QString& dbPath, const StoreSwitches& switches) {
   counters_.sqlErrorCount = 0;
   progress_.showCount(QStringLiteral("0"));
   progress_.showItem(QString());
-  progress_.setRunControlsVisible(true);
+  progress_.setRunControlsVisible(true, platform::Progress::RunControls::All);
   progressTitle = QStringLiteral("Looking for email files...");
   progress_.open(progressTitle);
   logSqlError(QStringLiteral("BEGIN TRANSACTION"));
+  archive_.storeRunUnderWay = true;
   store_->setPaths(paths_);
   store_->setOrigState(switches.origState);
 }
@@ -266,11 +273,27 @@ void StoreRun::terminateParser() {
     }
   }
   task->deleteLater();
+  // What was stored is kept, as when the user cancels.
+  logSqlError(QStringLiteral("COMMIT TRANSACTION"));
+  archive_.storeRunUnderWay = false;
+  storeLog_.close();
+}
+
+void StoreRun::stopParserNow() {
+  if (isRunning())
+    parserTask_->terminate();
 }
 
 void StoreRun::taskDataAvailable() {
   if (!parserTask_)
     return;
+  // An alert shown while a message is stored runs an event loop: the tool, already
+  // answered, may announce its next message or end meanwhile. Both wait until this store
+  // is done, so messages are stored one after the other and the run never ends half way.
+  if (storing_) {
+    dataPending_ = true;
+    return;
+  }
   const QByteArray chunk = parserTask_->readAllStandardOutput();
   if (archive_.openFailed) {
     disconnect(parserTask_, &QProcess::readyReadStandardOutput, this, &StoreRun::taskDataAvailable);
@@ -295,15 +318,19 @@ void StoreRun::taskDataAvailable() {
     progress_.setTitle(progressTitle);
     return;
   }
-  while (text.startsWith(attachmentMark))
-    text.remove(0, attachmentMark.size());
+  // A status written just before an announcement may arrive with it in one read.
+  const QLatin1String lookingMark("Looking for email");
+  while (text.startsWith(attachmentMark) || text.startsWith(lookingMark))
+    text.remove(0, text.startsWith(attachmentMark) ? attachmentMark.size() : lookingMark.size());
   // The answer goes out as soon as both record files have been read: the tool then writes
   // its next message while this one is stored, and neither waits for the other.
   bool answered = false;
+  storing_ = true;
   reader_->doOneEmail(paths_.messageFile, [this, &answered] {
     sendData(QStringLiteral("go for it"));
     answered = true;
   });
+  storing_ = false;
   if (text != lastProgressText) {
     progressTitle = QStringLiteral("Storing in database...");
     progress_.setTitle(progressTitle);
@@ -312,6 +339,18 @@ void StoreRun::taskDataAvailable() {
   }
   if (!answered)
     sendData(QStringLiteral("go for it"));
+  resumeAfterStoring();
+}
+
+void StoreRun::resumeAfterStoring() {
+  if (dataPending_) {
+    dataPending_ = false;
+    QMetaObject::invokeMethod(this, &StoreRun::taskDataAvailable, Qt::QueuedConnection);
+  }
+  if (completionPending_) {
+    completionPending_ = false;
+    QMetaObject::invokeMethod(this, &StoreRun::taskCompleted, Qt::QueuedConnection);
+  }
 }
 
 void StoreRun::sendData(const QString& text) {
@@ -332,16 +371,21 @@ void StoreRun::logSqlError(const QString& statement) {
 void StoreRun::taskCompleted() {
   if (!parserTask_)
     return;
+  if (storing_) {
+    completionPending_ = true;
+    return;
+  }
   QProcess* task = parserTask_;
   parserTask_ = nullptr;
   task->disconnect(this);
   task->deleteLater();
 
   logSqlError(QStringLiteral("COMMIT TRANSACTION"));
+  archive_.storeRunUnderWay = false;
   progress_.close();
   mboxMode = false;
   listStoredMessages();
-  progress_.setRunControlsVisible(false);
+  progress_.setRunControlsVisible(false, platform::Progress::RunControls::All);
 
   QStringList invalidPaths;
   StoreSummary::readRunLog(paths_.runLog, counters_, invalidPaths);

@@ -78,10 +78,12 @@ class StoreRun : public QObject {
   // Prepares the store-date panel for a run over the mail client's folders: when the archive
   // at dbPath holds messages, returns (and signals) the newest stored day as the begin date.
   // An archive that fails to open returns nothing and leaves the panel closed; a failing
-  // query is reported on standard error and leaves the begin date as it is.
+  // query is reported on standard error and leaves the begin date as it is. While a run is
+  // under way nothing happens: reopening the archive would roll back what it stored.
   std::optional<StoreDate> setStoreDate(const QString& dbPath);
   // Asks for mbox files; on a choice they become sourceList, the run switches to mbox mode
-  // and the date panel is shown. Returns false when the user cancelled (nothing changes).
+  // and the date panel is shown. Returns false when the user cancelled or a run is under
+  // way (nothing changes).
   bool openMbox();
   // Closes the date panel; mbox mode stays until a run ends.
   void cancelStore();
@@ -93,9 +95,12 @@ class StoreRun : public QObject {
   // Asks a running store to stop: the tool is ended at its next output and what was stored
   // is committed as at any end.
   void cancelParse();
-  // For quitting: ends a running tool at once without finishing the run (no commit, no
-  // summary). Does nothing when no tool runs.
+  // For quitting: ends a running tool at once and commits what was stored, without the rest
+  // of the run's end (no summary, no listing). Does nothing when no tool runs.
   void terminateParser();
+  // Ends a running tool without waiting for its next output (a console's Ctrl-C); the run
+  // then ends as every run does, committing what was stored.
+  void stopParserNow();
   bool isRunning() const;
 
   // The tool's arguments after its own path, as parseEmail passes them; the run log path is
@@ -129,6 +134,7 @@ class StoreRun : public QObject {
   void launch(const QStringList& arguments);
   void taskDataAvailable();
   void taskCompleted();
+  void resumeAfterStoring();
   void sendData(const QString& text);
   void listStoredMessages();
   void logSqlError(const QString& statement);
@@ -144,6 +150,10 @@ class StoreRun : public QObject {
   std::unique_ptr<EmailStore> store_;
   std::unique_ptr<RecordReader> reader_;
   QPointer<QProcess> parserTask_;
+  // Set while a message is stored; tool events meanwhile are replayed afterwards.
+  bool storing_ = false;
+  bool dataPending_ = false;
+  bool completionPending_ = false;
 };
 
 }  // namespace quillery::ingest

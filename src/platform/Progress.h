@@ -17,8 +17,12 @@ class Progress {
   virtual void showCount(const QString& text) = 0;
   // Names the item being worked on (the store run's current file and subject).
   virtual void showItem(const QString& text) = 0;
-  // Shows or hides the count, the item text and the cancel button of a store run.
-  virtual void setRunControlsVisible(bool visible) = 0;
+  // The controls a store run shows beside the indicator, in the order they are hidden: the
+  // count alone (a listing ends), the count and the item text (a failure that leaves the run
+  // going, so it can still be cancelled), or those and the cancel button (the run's end).
+  enum class RunControls { Count, CountAndItem, All };
+  // Shows or hides the store run's controls.
+  virtual void setRunControlsVisible(bool visible, RunControls which) = 0;
   // Closes the panel; callers close it when their work ends, also on error paths.
   virtual void close() = 0;
 

@@ -12,14 +12,20 @@ bool CategoryList::getCategories(const QString& dbPath) {
   // wherever a path was merely named (a new path chosen, the first run's default).
   if (!dbPath.isEmpty() && !QFileInfo::exists(dbPath))
     return true;
-  archive_.openDB(dbPath);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
-    return false;
+  // A running store keeps its transaction on the one connection: reopening would roll it
+  // back, so the categories are read where the run stands.
+  const bool ownConnection = !archive_.storeRunUnderWay;
+  if (ownConnection) {
+    archive_.openDB(dbPath);
+    if (archive_.openFailed) {
+      archive_.openFailed = false;
+      return false;
+    }
   }
   const archive::ExecResult result = archive_.exec(
       QStringLiteral("SELECT DISTINCT cat_fld FROM tags"), categoryListCallback, this);
-  archive_.close();
+  if (ownConnection)
+    archive_.close();
   // The list is read again on every save of the preferences and saved with them; without
   // this it would grow by the archive's categories each time.
   categoryList.removeDuplicates();

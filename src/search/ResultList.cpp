@@ -89,6 +89,7 @@ void ResultList::retrieve(const QString& dbPath) {
   Q_EMIT listWindowTitleChanged(QStringLiteral("retrieving email from database..."));
   Q_EMIT listWindowShown();
   progress_.open(QStringLiteral("Retrieving..."));
+  onlyAttachments = onlyAttachCheck ? 1 : 0;
 
   reportOnStderr(archive_.exec(QStringLiteral("BEGIN TRANSACTION")));
   const archive::ExecResult result = archive_.execSqlText(&ResultList::listRowCallback, this);
@@ -107,7 +108,7 @@ void ResultList::retrieve(const QString& dbPath) {
   reportOnStderr(archive_.exec(QStringLiteral("COMMIT TRANSACTION")));
   Q_EMIT listReset();
   progress_.close();
-  progress_.setRunControlsVisible(false);
+  progress_.setRunControlsVisible(false, platform::Progress::RunControls::Count);
   showCounts();
   Q_EMIT listWindowTitleChanged(QStringLiteral("done retrieving email from ") + dbPath);
 }

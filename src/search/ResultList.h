@@ -37,7 +37,8 @@ class ResultList : public QObject {
 
   // Runs the statement in the archive's sqlText on the open connection inside one
   // transaction and replaces the list with its rows (id, date, from, to, subject, mailbox,
-  // numAttach), leaving out rows without attachments while onlyAttachments is set. A failing
+  // numAttach), leaving out rows without attachments when onlyAttachCheck is on (it sets
+  // onlyAttachments from it, whatever the caller left there). A failing
   // statement shows "SQL Error: %s", closes the list window and the connection and leaves the
   // list empty. dbPath is only named in the list window's title.
   void retrieve(const QString& dbPath);
@@ -70,6 +71,9 @@ class ResultList : public QObject {
   bool sortDescending = false;
   QString sortColumn;  // identifier of the column clicked last; empty before the first click
   int onlyAttachments = 0;
+  // The state of the search panel's "only email with attachments" box; the window keeps it
+  // current, and every retrieval takes it into onlyAttachments.
+  bool onlyAttachCheck = false;
 
  Q_SIGNALS:
   // The rows are about to change as a whole; listReset follows. A model resets between the

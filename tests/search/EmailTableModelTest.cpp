@@ -38,7 +38,7 @@ TEST_F(EmailTableModelTest, TheTableShowsTheListInDisplayOrderThroughEveryChange
   list.clear();
   list.listCount = 12;
   EXPECT_EQ(model.rowCount(), 0);
-  list.onlyAttachments = 1;
+  list.onlyAttachCheck = true;
   retrieve();
   EXPECT_EQ(model.rowCount(), 20);
 }

@@ -39,7 +39,7 @@ TEST_F(ResultListTest, RetrievalListsEachRowWithItsTagMarkerAndTheCounts) {
   EXPECT_FALSE(progress.isOpen);
 
   // Only messages with attachments, although the statement returns all.
-  list.onlyAttachments = 1;
+  list.onlyAttachCheck = true;
   retrieve();
   EXPECT_EQ(archive.idList, QStringList{QString::number(tagged)});
   EXPECT_EQ(list.listCountText(), "1 emails in this list.");

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QQueue>
 #include <QStringList>
+#include <functional>
 
 #include "platform/Dialogs.h"
 
@@ -19,6 +20,9 @@ class FakeDialogs : public platform::Dialogs {
 
   int showAlert(const platform::Alert& alert) override {
     alerts.append(alert);
+    // A real alert runs an event loop while it is open; a test can do the same here.
+    if (whileShown)
+      whileShown(alert);
     return answers_.isEmpty() ? 0 : answers_.dequeue();
   }
   QString runSavePanel(const platform::SavePanel& panel) override {
@@ -38,6 +42,7 @@ class FakeDialogs : public platform::Dialogs {
     return out;
   }
 
+  std::function<void(const platform::Alert&)> whileShown;
   QList<platform::Alert> alerts;
   QList<platform::SavePanel> savePanels;
   QList<platform::OpenPanel> openPanels;

@@ -23,8 +23,12 @@ class FakeProgress : public platform::Progress {
     events.append(QStringLiteral("item:") + text);
     item = text;
   }
-  void setRunControlsVisible(bool visible) override {
-    events.append(visible ? QStringLiteral("controls:1") : QStringLiteral("controls:0"));
+  // "controls:1"/"controls:0" for all of them, "count:..." and "count+item:..." for fewer.
+  void setRunControlsVisible(bool visible, RunControls which) override {
+    const char* prefix = which == RunControls::All     ? "controls:"
+                         : which == RunControls::Count ? "controls:count:"
+                                                       : "controls:count+item:";
+    events.append(QLatin1String(prefix) + (visible ? QLatin1Char('1') : QLatin1Char('0')));
   }
   void close() override {
     events.append(QStringLiteral("close"));

@@ -10,7 +10,8 @@ namespace quillery::tools {
 //   domail RUNLOG ALLMB ATTACH HTML TRASH MBOXMODE ORIG MAILBOXES BEGIN END SOURCE...
 // The switches are integers (0 off, anything else on). BEGIN and END are "YYYY-MM-DD
 // 00:00:00" texts in which "0000"/"9999" years and "00"/"99" months or days stand for no
-// bound; they are compared with a message's DATE as text, both ends included. The sources
+// bound; they are compared with a message's DATE as text: from BEGIN on, up to the end of
+// END's day (a range chosen as "up to the 31st" takes the 31st in). The sources
 // are mbox files (MBOXMODE on), mailbox lines from findmail (MAILBOXES on), or account
 // folder names under $HOME/Library/Mail followed by the word "Mailboxes".
 struct DomailArguments {
@@ -31,7 +32,10 @@ struct DomailArguments {
   std::string messageFile() const;
   std::string rawFile() const;
   // Whether a DATE text lies in the range.
-  bool inRange(const std::string& date) const { return begin <= date && date <= end; }
+  bool inRange(const std::string& date) const {
+    return begin <= date && date.compare(0, kDayLength, end, 0, kDayLength) <= 0;
+  }
+  static constexpr std::size_t kDayLength = 10;  // "YYYY-MM-DD"
   // Whether the range excludes anything at all.
   bool rangeLimited() const;
 

@@ -3,6 +3,8 @@
 // the same mail, and a run cancelled half way.
 #include <QDir>
 #include <QFile>
+#include <QTest>
+#include <QTimer>
 
 #include "MailFixtures.h"
 #include "StoreRunFixture.h"
@@ -145,6 +147,79 @@ TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
   EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
   EXPECT_TRUE(rest.contains(QStringLiteral("Duplicates replaced: %1\n").arg(stored)))
       << rest.toStdString();
+}
+
+// While an alert is open its event loop runs and the tool, already answered, goes on; the
+// user may also choose actions that would reopen the archive. None of it may mix messages up
+// or lose what the run stored.
+TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhole) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  constexpr int kMessages = 25;
+  const QString mbox = generatedMbox(kMessages);
+  storeMbox({mbox});
+  // A note with a double quote makes the carried-over tags fail as the copy is replaced.
+  archive.openDB(dbPath());
+  archive.exec(QStringLiteral("INSERT INTO tags VALUES(%1,'c','k',1,'say \"hi\"')").arg(idOf(2)));
+  archive.close();
+
+  dialogs.alerts.clear();
+  dialogs.whileShown = [](const platform::Alert& alert) {
+    if (alert.style == platform::AlertStyle::Critical)
+      QTest::qWait(300);
+  };
+  progress.atCount = QStringLiteral("10");
+  bool tried = false;
+  progress.action = [this, &tried] {
+    // The count reaches 10 again while the stored messages are listed, after the run.
+    if (tried)
+      return;
+    tried = true;
+    ASSERT_TRUE(run->isRunning());
+    EXPECT_FALSE(run->setStoreDate(dbPath()).has_value());
+    EXPECT_FALSE(run->openMbox());
+  };
+  storeMbox({mbox});
+
+  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
+  for (int i : {7, 12, 17, 22}) {
+    EXPECT_EQ(scalar(QStringLiteral("SELECT group_concat(filename_fld) FROM attachments WHERE "
+                                    "id=%1")
+                         .arg(idOf(i))),
+              QStringLiteral("file%1.bin").arg(i));
+  }
+  EXPECT_EQ(count(QStringLiteral(
+                "SELECT count(*) FROM attachments WHERE id NOT IN (SELECT id FROM email)")),
+            0);
+  // The run's end came after the last alert of its messages, not inside one.
+  ASSERT_FALSE(dialogs.alerts.isEmpty());
+  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
+  ASSERT_EQ(dialogs.alerts.size(), 4);  // the confirmation, two failing tags rows, the end
+  EXPECT_TRUE(dialogs.alerts[1].message.startsWith(QStringLiteral("SQL error: ")));
+  EXPECT_TRUE(dialogs.openPanels.isEmpty());
+}
+
+TEST_F(StoreRunEndToEndTest, QuittingDuringARunKeepsWhatWasStored) {
+  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
+  bool quit = false;
+  progress.atCount = QStringLiteral("30");
+  progress.action = [this, &quit] {
+    // Quitting happens between two messages, from the event loop.
+    QTimer::singleShot(0, run.get(), [this, &quit] {
+      run->terminateParser();
+      quit = true;
+    });
+  };
+  run->sourceList = {generatedMbox(300)};
+  run->mboxMode = true;
+  ASSERT_TRUE(run->parseEmail(dbPath(), allOn(), {}, {}));
+  ASSERT_TRUE(QTest::qWaitFor([&quit] { return quit; }, 60000));
+
+  EXPECT_FALSE(run->isRunning());
+  EXPECT_FALSE(archive.storeRunUnderWay);
+  const int stored = count(QStringLiteral("SELECT count(*) FROM email"));
+  EXPECT_GE(stored, 30);
+  EXPECT_LT(stored, 300);
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
 }
 
 TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {

@@ -109,7 +109,7 @@ TEST_F(EmailStoreTest, TheRawSourceIsReadOnlyWhenItIsKept) {
   store.setOrigState(true);
   reader.storeInDB(record("Missing", "BODY:b\nENDOFBODY:\n"));
   EXPECT_EQ(dialogs.messages(), QStringList{"Couldn't open " + paths.rawFile});
-  EXPECT_EQ(progress.events, (QStringList{"close", "controls:0"}));
+  EXPECT_EQ(progress.events, (QStringList{"close", "controls:count+item:0"}));
   EXPECT_FALSE(message.messageStored);
 
   // "RAW:" lines are skipped wherever they are; a line that is not UTF-8 is Windows-1252.

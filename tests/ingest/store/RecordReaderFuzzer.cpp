@@ -29,7 +29,7 @@ class NoProgress : public platform::Progress {
   void setTitle(const QString&) override {}
   void showCount(const QString&) override {}
   void showItem(const QString&) override {}
-  void setRunControlsVisible(bool) override {}
+  void setRunControlsVisible(bool, RunControls) override {}
   void close() override {}
 };
 

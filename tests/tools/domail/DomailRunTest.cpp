@@ -62,10 +62,11 @@ TEST(DomailRunTest, DateRangeComparesLocalDateTextsWithBothEnds) {
   const Range ranges[] = {
       {"2019-03-01 00:00:00",
        "2019-04-01 00:00:00",
-       {"mar 1 midnight", "mar 15", "apr 1 midnight", "postmark only"}},
+       {"mar 1 midnight", "mar 15", "apr 1 midnight", "apr 1 noon", "postmark only"}},
+      // The end day is taken in whole.
       {"0000-00-00 00:00:00",
        "2019-03-15 00:00:00",
-       {"feb 28 late", "mar 1 midnight", "postmark only"}},
+       {"feb 28 late", "mar 1 midnight", "mar 15", "postmark only"}},
       // "All" for the day alone: the month's texts sort after "2019-03-00".
       {"2019-03-00 00:00:00", "2019-04-00 00:00:00", {"mar 1 midnight", "mar 15", "postmark only"}},
       {"2019-04-00 00:00:00", "9999-99-15 00:00:00", {"apr 1 midnight", "apr 1 noon", "2020"}},
@@ -80,7 +81,7 @@ TEST(DomailRunTest, DateRangeComparesLocalDateTextsWithBothEnds) {
   }
   // Dates are local: in Tokyo the last second of February UTC is March 1st.
   request.begin = "2019-03-01 00:00:00";
-  request.end = "2019-03-02 00:00:00";
+  request.end = "2019-03-01 00:00:00";
   request.tz = "Asia/Tokyo";
   EXPECT_EQ(subjectsIn(request), (std::vector<std::string>{"feb 28 late", "mar 1 midnight"}));
 }
