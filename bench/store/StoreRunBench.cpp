@@ -149,7 +149,7 @@ class StampingProgress : public platform::Progress {
     }
   }
   void showItem(const QString&) override {}
-  void setRunControlsVisible(bool) override {}
+  void setRunControlsVisible(bool, RunControls) override {}
   void close() override {}
 
   QElapsedTimer clock;
