@@ -134,7 +134,8 @@ void Preferences::savePreferences() {
     panel_.dbPath->setText(defaultDbPath());
 
   values_.write(settings_, dbPath(), categories_.categoryList);
-  panel_.close();
+  // Hidden, not closed: closing a dialog rejects it, and rejecting the panel cancels it.
+  panel_.hide();
   Q_EMIT switchesApplied();
   Q_EMIT listFontApplied();
 }
@@ -153,7 +154,7 @@ void Preferences::doPrefPanel() {
 }
 
 void Preferences::cancelPrefs() {
-  panel_.close();
+  panel_.hide();
   // getPrefs also refills the table by the mode and puts the check boxes back.
   getPrefs();
 }

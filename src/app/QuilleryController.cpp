@@ -125,7 +125,14 @@ void QuilleryController::bindPanels() {
   connect(msWindow, &MainWindow::closed, this, &QuilleryController::quitRequested);
   connect(prefPanel->saveButton, &QPushButton::clicked, this, &QuilleryController::savePreferences);
   connect(prefPanel->cancelButton, &QPushButton::clicked, this, &QuilleryController::cancelPrefs);
-  connect(prefPanel->storeButton, &QPushButton::clicked, this, &QuilleryController::setStoreDate);
+  // Escape and the close box dismiss the panel as Cancel does; its edits must not wait there
+  // for the next save.
+  connect(prefPanel, &QDialog::rejected, this, &QuilleryController::cancelPrefs);
+  // The run takes the accounts and switches the panel shows, not those saved before.
+  connect(prefPanel->storeButton, &QPushButton::clicked, this, [this] {
+    savePreferences();
+    setStoreDate();
+  });
   connect(prefPanel->newDbButton, &QPushButton::clicked, this, &QuilleryController::newDbPath);
   connect(prefPanel->openDbButton, &QPushButton::clicked, this, &QuilleryController::openDbPath);
   connect(storeDatePanel->storeButton, &QPushButton::clicked, this,

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QSet>
 #include <QTableView>
+#include <QTest>
 
 #include "AppFixture.h"
 #include "app/Preferences.h"
@@ -95,6 +96,17 @@ TEST_F(PreferencesTest, CancelKeepsASwitchThatIsOnOverAStoredZeroAndDiscardsTheP
   EXPECT_EQ(app.prefPanel->selectMboxButton->currentIndex(), 0);
   EXPECT_TRUE(app.prefPanel->origCheck->isChecked());
   EXPECT_EQ(app.dbPath(), defaultDbPath());
+
+  // Escape and the close box cancel as the button does.
+  app.doPrefPanel();
+  app.prefPanel->origCheck->setChecked(false);
+  QTest::keyClick(app.prefPanel, Qt::Key_Escape);
+  EXPECT_FALSE(app.prefPanel->isVisible());
+  EXPECT_TRUE(app.prefPanel->origCheck->isChecked());
+  app.doPrefPanel();
+  app.prefPanel->origCheck->setChecked(false);
+  app.prefPanel->close();
+  EXPECT_TRUE(app.prefPanel->origCheck->isChecked());
 
   // The next save stores the switch as it is in memory.
   app.savePreferences();

@@ -174,14 +174,21 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
 }
 
 TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheTool) {
-  makeAccounts({QStringLiteral("Work@imap.example.com")});
+  makeAccounts({QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")});
   const QString tools = fakeTools(
       "for a in \"$@\"; do printf '%s\\n' \"$a\"; done > \"$(dirname \"$0\")/arguments\"\n");
   QuilleryController& app = start(tools);
+  // Setup's Store button takes the accounts and switches as the panel shows them.
+  app.doPrefPanel();
   app.prefPanel->allmbCheck->setChecked(true);
-  app.savePreferences();
+  const int work = app.mailSources.sourceList.indexOf(QStringLiteral("Work@imap.example.com"));
+  app.prefPanel->selectAcctsTableView->selectRow(work);
+  ASSERT_EQ(app.prefPanel->selectedRows(), QList<int>{work});
+  QTest::mouseClick(app.prefPanel->storeButton, Qt::LeftButton);
+  EXPECT_FALSE(app.prefPanel->isVisible());
+  EXPECT_EQ(storedValue(QStringLiteral("accounts")).toStringList(),
+            QStringList{QStringLiteral("Work@imap.example.com")});
 
-  app.setStoreDate();
   app.storeDatePanel->beginStoreYr->selectTitle(QStringLiteral("2020"));
   app.storeDatePanel->beginStoreMo->selectTitle(QStringLiteral("03"));
   app.storeDatePanel->beginStoreDa->selectTitle(QStringLiteral("01"));
