@@ -106,8 +106,11 @@ void QuilleryController::buildInterface() {
     connect(action, &QAction::triggered, this, [this, action] { perform(action); });
   });
   for (QAction* action : std::as_const(menuActions)) {
-    // Whatever window has the focus, the menu items' shortcuts reach the controller.
-    action->setShortcutContext(Qt::ApplicationShortcut);
+    // Whatever window has the focus, the menu items' shortcuts reach the controller; the
+    // deleting ones only from the main window, or Delete in another window's table or text
+    // would remove messages from the list or the archive.
+    const bool deletes = action->objectName().startsWith(QLatin1String("delete"));
+    action->setShortcutContext(deletes ? Qt::WindowShortcut : Qt::ApplicationShortcut);
   }
   mySaveOrigSelected = menuActions.value(QStringLiteral("saveOrigSelected"));
   mySaveOrigAll = menuActions.value(QStringLiteral("saveOrigAll"));

@@ -1,4 +1,5 @@
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
@@ -163,11 +164,25 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
             (QStringList{"cherry tart", "banana split", "Apple pie"}));
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
 
-  // Removing the selected rows of the reversed list touches the list only.
+  // Removing the selected rows of the reversed list touches the list only. Delete does it in
+  // the main window; in another window's table neither it nor Ctrl+Delete touches the list.
   table->selectRow(0);
   table->selectionModel()->select(model.index(2, 0),
                                   QItemSelectionModel::Select | QItemSelectionModel::Rows);
-  app.menuActions.value(QStringLiteral("deleteFromList"))->trigger();
+  const qsizetype alerts = dialogs.alerts.size();
+  const auto active = [](QWidget* window) {
+    return QTest::qWaitFor([window] { return QApplication::activeWindow() == window; });
+  };
+  app.doPrefPanel();
+  ASSERT_TRUE(active(app.prefPanel));
+  QTest::keyClick(app.prefPanel->selectAcctsTableView, Qt::Key_Delete);
+  QTest::keyClick(app.prefPanel->selectAcctsTableView, Qt::Key_Delete, Qt::ControlModifier);
+  EXPECT_EQ(app.resultList().listCount, 3);
+  EXPECT_EQ(dialogs.alerts.size(), alerts);
+  app.prefPanel->hide();
+  app.msWindow->activateWindow();
+  ASSERT_TRUE(active(app.msWindow));
+  QTest::keyClick(table, Qt::Key_Delete);
   EXPECT_EQ(column(app, QStringLiteral("emailSubject")), QStringList{"banana split"});
   EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("1 emails in this list."));
   EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("3 emails in the database."));
