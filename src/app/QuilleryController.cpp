@@ -145,6 +145,10 @@ void QuilleryController::bindPanels() {
   connect(ProgressPanel, &app::ProgressPanel::cancelRequested, this,
           &QuilleryController::cancelParse);
 
+  resultList_->onlyAttachCheck = retrievePanel->onlyAttachCheck->isChecked();
+  connect(retrievePanel->onlyAttachCheck, &QCheckBox::toggled, this,
+          [this](bool checked) { resultList_->onlyAttachCheck = checked; });
+
   connect(preferences_.get(), &Preferences::categoriesRead, this,
           &QuilleryController::addCategoriesToPopUps);
   connect(preferences_.get(), &Preferences::switchesApplied, this, [this] {

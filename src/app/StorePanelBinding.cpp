@@ -56,6 +56,10 @@ void StorePanelBinding::bindResultList() {
             panel->dbCountTextField->repaint();
           });
   connect(&list_, &search::ResultList::listWindowTitleChanged, panel, &QWidget::setWindowTitle);
+  // The panel is part of the main window and can't close: it drops its title instead, so that
+  // a failed retrieval does not stay "retrieving email from database...".
+  connect(&list_, &search::ResultList::listWindowClosed, panel,
+          [panel] { panel->setWindowTitle(QString()); });
   connect(&list_, &search::ResultList::listWindowShown, this, [this] {
     window_.show();
     window_.raise();
@@ -77,6 +81,8 @@ void StorePanelBinding::bindStoreRun() {
   connect(&run_, &ingest::StoreRun::beginStoreDateSelected, &datePanel_, &StoreDatePanel::setBegin);
   connect(&run_, &ingest::StoreRun::messageViewCleared, panel->bodyTextView, &QTextBrowser::clear);
   connect(&run_, &ingest::StoreRun::storePanelTitleChanged, panel, &QWidget::setWindowTitle);
+  connect(&run_, &ingest::StoreRun::storePanelClosed, panel,
+          [panel] { panel->setWindowTitle(QString()); });
 }
 
 }  // namespace quillery::app

@@ -17,6 +17,7 @@
 #include "app/MainWindow.h"
 #include "app/Preferences.h"
 #include "app/ProgressPanel.h"
+#include "app/SearchPanel.h"
 #include "app/SetupPanel.h"
 #include "app/StoreDatePanel.h"
 #include "app/StorePanel.h"
@@ -186,6 +187,18 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   EXPECT_EQ(column(app, QStringLiteral("emailSubject")), QStringList{"banana split"});
   EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("1 emails in this list."));
   EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("3 emails in the database."));
+
+  // The search panel's attachments box holds for the next listing; a listing that fails
+  // leaves no "retrieving" title behind.
+  app.retrievePanel->onlyAttachCheck->setChecked(true);
+  app.archive.sqlText = QStringLiteral(
+      "SELECT id,date_fld,from_fld,to_fld,subj_fld,mailbox,numAttach FROM email ORDER BY id");
+  app.resultList().retrieve(app.dbPath());
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("0 emails in this list."));
+  app.archive.sqlText = QStringLiteral("SELECT id FROM nowhere");
+  app.resultList().retrieve(app.dbPath());
+  EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("SQL Error: ")));
+  EXPECT_EQ(app.msWindow->windowTitle(), QStringLiteral("Quillery"));
 }
 
 TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheTool) {
