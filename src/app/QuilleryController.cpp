@@ -31,6 +31,7 @@
 #include "app/StorePanelBinding.h"
 #include "app/TagPanel.h"
 #include "app/WindowFrames.h"
+#include "ingest/StorePaths.h"
 #include "ingest/StoreRun.h"
 #include "platform/Dialogs.h"
 #include "platform/Files.h"
@@ -213,11 +214,17 @@ bool QuilleryController::applicationOpenFile(const QString& path) {
 }
 
 void QuilleryController::applicationWillTerminate() {
-  if (storeRun_->isRunning())
-    storeRun_->terminateParser();
-  const QString path = dbPath();
-  for (const char* suffix : {".tmp", ".raw", ".log"})
-    ports_.files.remove(path + QLatin1String(suffix));
+  // First, and also for a tool that has just ended unnoticed: the run commits what it stored
+  // before saving reads the categories, which may reopen the archive and so roll it back.
+  storeRun_->terminateParser();
+  QStringList archives{dbPath()};
+  if (!runDbPath_.isEmpty() && runDbPath_ != archives.constFirst())
+    archives.append(runDbPath_);
+  for (const QString& path : std::as_const(archives)) {
+    const ingest::StorePaths run = ingest::StorePaths::forArchive(path);
+    for (const QString& file : {run.messageFile, run.rawFile, run.runLog})
+      ports_.files.remove(file);
+  }
   preferences_->savePreferences();
   frames_->saveAll();
 }
@@ -369,8 +376,10 @@ void QuilleryController::parseEmail() {
                                        prefs.htmlState != 0,  prefs.trashState != 0,
                                        prefs.origState != 0,  prefs.mailboxesState != 0};
   const ingest::StoreSources sources{prefs.accountList, prefs.mailboxList};
-  if (storeRun_->parseEmail(dbPath(), switches, storeDatePanel->range(), sources))
+  if (storeRun_->parseEmail(dbPath(), switches, storeDatePanel->range(), sources)) {
     preferences_->setMailboxListingBlocked(true);
+    runDbPath_ = dbPath();
+  }
 }
 
 void QuilleryController::cancelParse() {

@@ -80,8 +80,10 @@ class QuilleryController : public QObject {
   // A file handed over by the desktop (or named on the command line) becomes the archive
   // path and is saved; it is not opened until an action needs the archive.
   bool applicationOpenFile(const QString& path);
-  // Quitting: stops a running parser tool, deletes the store run's three temporary files
-  // beside the archive (failures ignored), saves the preferences and the window frames.
+  // Quitting: stops a running parser tool and commits what it stored, deletes the store
+  // run's three temporary files beside the archive and, when this session's run used another
+  // archive path, beside that one too (failures ignored), then saves the preferences and the
+  // window frames.
   void applicationWillTerminate();
 
   // "this original email" and "all original email in list" are enabled only while message
@@ -175,6 +177,8 @@ class QuilleryController : public QObject {
   std::unique_ptr<WindowFrames> frames_;
   std::unique_ptr<StorePanelBinding> storeBinding_;
   QFontDialog* fontPanel_ = nullptr;
+  // The archive path of the run started last; the path may have changed since.
+  QString runDbPath_;
 };
 
 }  // namespace quillery::app

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSettings>
+#include <cstdlib>
 
 #include "support/TestEnvironment.h"
 
@@ -92,6 +93,22 @@ void AppFixture::writeFile(const QString& path, const QByteArray& bytes, bool ex
   file.close();
   if (executable)
     file.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+int AppFixture::emailCount(const QString& path) {
+  sqlite3* db = nullptr;
+  int count = -1;
+  if (sqlite3_open_v2(path.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK) {
+    sqlite3_exec(
+        db, "SELECT count(*) FROM email",
+        [](void* context, int, char** values, char**) {
+          *static_cast<int*>(context) = values[0] ? std::atoi(values[0]) : -1;
+          return 0;
+        },
+        &count, nullptr);
+  }
+  sqlite3_close(db);
+  return count;
 }
 
 }  // namespace quillery::app

@@ -43,6 +43,9 @@ class AppFixture : public ::testing::Test {
   // category (even "") has a tags row.
   void makeArchive(const QString& path, const QList<QStringList>& messages) const;
   static void writeFile(const QString& path, const QByteArray& bytes, bool executable = false);
+  // The rows of the email table in the archive file, as another program reads it; -1 when
+  // it can't be read.
+  static int emailCount(const QString& path);
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;

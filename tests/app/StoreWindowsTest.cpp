@@ -10,7 +10,10 @@
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
+#include <QTimer>
 #include <QtMath>
+#include <functional>
+#include <memory>
 
 #include "AppFixture.h"
 #include "app/DatePopUp.h"
@@ -65,16 +68,40 @@ class StoreWindowsTest : public AppFixture {
   static QByteArray mbox(const QStringList& subjects) {
     QByteArray out;
     for (int i = 0; i < subjects.size(); ++i) {
+      const QString time =
+          QStringLiteral("%1:%2:00").arg(10 + i / 60).arg(i % 60, 2, 10, QLatin1Char('0'));
       out += QStringLiteral(
-                 "From sender%1@example.org Mon Jan  1 10:0%1:00 2018\n"
+                 "From sender%1@example.org Mon Jan  1 %3 2018\n"
                  "From: Sender %1 <sender%1@example.org>\nTo: me@example.com\nSubject: %2\n"
-                 "Date: Mon, 1 Jan 2018 10:0%1:00 +0000\nMessage-ID: <%1@example.org>\n\n"
+                 "Date: Mon, 1 Jan 2018 %3 +0000\nMessage-ID: <%1@example.org>\n\n"
                  "Body of message %1.\n\n")
-                 .arg(i)
-                 .arg(subjects.at(i))
+                 .arg(QString::number(i), subjects.at(i), time)
                  .toUtf8();
     }
     return out;
+  }
+
+  static QByteArray mbox(int messages) {
+    QStringList subjects;
+    for (int i = 0; i < messages; ++i)
+      subjects.append(QStringLiteral("message %1").arg(i));
+    return mbox(subjects);
+  }
+
+  // Calls action from the event loop, between two messages, once the run has stored one.
+  static void whenFirstStored(QuilleryController& app, std::function<void()> action) {
+    auto once = std::make_shared<QMetaObject::Connection>();
+    *once = QObject::connect(app.ProgressPanel, &QWidget::windowTitleChanged, app.ProgressPanel,
+                             [once, action, panel = app.ProgressPanel](const QString& title) {
+                               if (title != QLatin1String("Storing in database..."))
+                                 return;
+                               QObject::disconnect(*once);
+                               QTimer::singleShot(0, panel, action);
+                             });
+  }
+
+  static bool haveDomail() {
+    return QFileInfo(test::toolPath(QStringLiteral("domail"))).isExecutable();
   }
 };
 
@@ -123,7 +150,7 @@ TEST_F(StoreWindowsTest, TheStoreDatePanelStartsOnTheNewestStoredDay) {
 }
 
 TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored) {
-  if (!QFileInfo(test::toolPath(QStringLiteral("domail"))).isExecutable())
+  if (!haveDomail())
     GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
   QuilleryController& app = start();
   const QString file = dir.filePath(QStringLiteral("export.mbox"));
@@ -239,7 +266,7 @@ TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheT
   EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("0 emails in this list."));
 }
 
-TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOn) {
+TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeepsWhatWasStored) {
   const QString tools = fakeTools(
       "i=0\nwhile [ $i -lt 600 ]; do printf 'Looking for email'; sleep 0.1; i=$((i+1)); done\n");
   QuilleryController& app = start(tools);
@@ -274,11 +301,63 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOn) {
   ASSERT_TRUE(recordFile.open(QIODevice::ReadOnly));
   EXPECT_EQ(recordFile.readAll(), QByteArray("FROM: the message being stored\n"));
 
+  // Another archive named meanwhile does not keep quitting from removing the run's files.
+  const QString other = dir.filePath(QStringLiteral("other.db"));
+  app.applicationOpenFile(other);
   app.prefPanel->htmlCheck->setChecked(false);
   app.applicationWillTerminate();
   EXPECT_FALSE(app.storeRun().isRunning());
   EXPECT_EQ(storedValue(QStringLiteral("htmlState")).toInt(), 0);
-  EXPECT_FALSE(QFileInfo::exists(app.dbPath() + QStringLiteral(".tmp")));
+  EXPECT_FALSE(QFileInfo::exists(record));
+
+  // With the real tool: every message stored before quitting is in the archive afterwards.
+  if (!haveDomail())
+    GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
+  QuilleryController& real = restart();
+  writeFile(file, mbox(100));
+  dialogs.setNextFileNames({file});
+  real.openMbox();
+  int stored = 0;
+  bool hasQuit = false;
+  whenFirstStored(real, [&] {
+    EXPECT_TRUE(real.storeRun().isRunning());
+    real.applicationWillTerminate();
+    stored = real.counters.storedCount;
+    hasQuit = true;
+  });
+  QTest::mouseClick(real.storeDatePanel->storeButton, Qt::LeftButton);
+  ASSERT_TRUE(QTest::qWaitFor([&hasQuit] { return hasQuit; }, 120000));
+  EXPECT_GE(stored, 1);
+  EXPECT_LT(stored, 100);
+  EXPECT_EQ(emailCount(other), stored);
+}
+
+TEST_F(StoreWindowsTest, SavingTheSetupOrNamingAnotherArchiveDuringARunLosesNothing) {
+  if (!haveDomail())
+    GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
+  QuilleryController& app = start();
+  const QString file = dir.filePath(QStringLiteral("many.mbox"));
+  writeFile(file, mbox(40));
+  const QString other = dir.filePath(QStringLiteral("other.db"));
+  dialogs.setNextFileNames({file});
+  app.openMbox();
+  whenFirstStored(app, [&] {
+    EXPECT_TRUE(app.storeRun().isRunning());
+    app.doPrefPanel();
+    QTest::mouseClick(app.prefPanel->saveButton, Qt::LeftButton);
+    app.applicationOpenFile(other);
+    // Store Email… saves too, but shows no date panel while the run goes on.
+    app.doPrefPanel();
+    QTest::mouseClick(app.prefPanel->storeButton, Qt::LeftButton);
+    EXPECT_FALSE(app.storeDatePanel->isVisible());
+  });
+  ASSERT_TRUE(storeFromDatePanel(app));
+
+  EXPECT_EQ(emailCount(defaultDbPath()), 40);
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("40 emails in this list."));
+  EXPECT_EQ(app.storePanel->windowTitle(),
+            QStringLiteral("done storing email in ") + defaultDbPath());
+  EXPECT_FALSE(QFileInfo::exists(other));
 }
 
 }  // namespace
