@@ -1,10 +1,7 @@
 #include "MailFixtures.h"
 
 #include <QDateTime>
-#include <QDir>
-#include <QDirIterator>
 #include <QFile>
-#include <QFileInfo>
 #include <QTimeZone>
 
 namespace quillery::test {
@@ -65,19 +62,6 @@ bool MailFixtures::writeMbox(const QString& path, int count) {
   for (int i = 0; i < count; ++i)
     file.write(message(i));
   return file.error() == QFile::NoError;
-}
-
-bool MailFixtures::copyTree(const QString& from, const QString& to) {
-  const QDir source(from);
-  QDirIterator it(from, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-  bool ok = true;
-  while (it.hasNext()) {
-    const QString file = it.next();
-    const QString target = to + QLatin1Char('/') + source.relativeFilePath(file);
-    ok = QDir().mkpath(QFileInfo(target).path()) && ok;
-    ok = QFile::copy(file, target) && ok;
-  }
-  return ok;
 }
 
 }  // namespace quillery::test

@@ -17,8 +17,6 @@ struct MailFixtures {
   static QString subject(int i);
   // Writes count messages as one mbox file; false when the file cannot be written.
   static bool writeMbox(const QString& path, int count);
-  // Copies a folder tree; false when something could not be copied.
-  static bool copyTree(const QString& from, const QString& to);
 };
 
 }  // namespace quillery::test

@@ -5,13 +5,11 @@
 #include <signal.h>
 #include <unistd.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
-#include <map>
 
 #include "ToolRun.h"
 #include "domail/DomailDriver.h"
-#include "support/TestEnvironment.h"
 
 namespace quillery::tools::test {
 namespace {
@@ -230,47 +228,6 @@ TEST(DomailRunTest, AnnouncementsAreAlwaysAnswerable) {
   }
   EXPECT_EQ(run.messages[3].record.subject, "Grüße in Latin-1");
   EXPECT_EQ(run.messages[2].record.subject.size(), 5000u) << "the record keeps it whole";
-}
-
-TEST(DomailRunTest, GeneratedCorpusReadsAlikeFromMboxAndAppleMail) {
-  const std::string corpusgen = quillery::test::toolPath(QStringLiteral("corpusgen")).toStdString();
-  if (!fs::exists(corpusgen)) {
-    GTEST_SKIP() << "corpusgen is not built (QUILLERY_BUILD_BENCH is off)";
-  }
-  ScratchDir dir;
-  const std::string command = corpusgen + " --count 60 --seed 7 --mbox " + dir / "c.mbox" +
-                              " --emlx " + dir / "home/Library/Mail" + " > /dev/null";
-  ASSERT_EQ(std::system(command.c_str()), 0);
-  ToolRequest request;
-  request.htmlParts = true;
-  request.sources = {dir / "c.mbox"};
-  const ToolOutcome fromMbox = runTool(request);
-  request.mode = ToolRequest::Accounts;
-  request.home = dir / "home";
-  request.sources = {"Bench@example.com"};
-  const ToolOutcome fromEmlx = runTool(request);
-  ASSERT_EQ(fromMbox.messages.size(), 60u);
-  ASSERT_EQ(fromEmlx.messages.size(), 60u);
-  EXPECT_EQ(fromMbox.faults + fromEmlx.faults, 0);
-  std::map<std::string, const AnnouncedMessage*> byKey;
-  for (const AnnouncedMessage& m : fromEmlx.messages) {
-    byKey[m.record.date + m.record.subject] = &m;
-  }
-  int attachments = 0;
-  for (const AnnouncedMessage& m : fromMbox.messages) {
-    const AnnouncedMessage* other = byKey[m.record.date + m.record.subject];
-    ASSERT_TRUE(other) << m.record.subject;
-    EXPECT_EQ(m.raw, other->raw) << "quoted \">From \" lines come back as they were";
-    EXPECT_EQ(m.record.from, other->record.from);
-    EXPECT_EQ(m.record.body, other->record.body);
-    EXPECT_EQ(m.record.subject.find("=?"), std::string::npos);
-    ASSERT_EQ(m.record.attachments.size(), other->record.attachments.size());
-    for (std::size_t i = 0; i < m.record.attachments.size(); ++i) {
-      EXPECT_EQ(m.record.attachments[i].bytes(), other->record.attachments[i].bytes());
-      attachments += m.record.attachments[i].encoding == "base64" ? 1 : 0;
-    }
-  }
-  EXPECT_GT(attachments, 0);
 }
 
 // Starts the tool on a five-message mbox and reads its first announcement.

@@ -9,7 +9,6 @@
 #include <QTemporaryDir>
 #include <filesystem>
 
-#include "common/MailWalker.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::test {
@@ -158,36 +157,6 @@ TEST_F(FindmailTest, TroubleEndsWithStatusZeroAndSaysWhy) {
   bare.start(toolPath(QStringLiteral("findmail")), {});
   ASSERT_TRUE(bare.waitForFinished(60000));
   EXPECT_EQ(bare.exitCode(), 0);
-}
-
-// The corpus's Apple Mail folder linked in as the mail folder; the listed lines read back
-// through the walk that domail runs in mailbox mode.
-TEST_F(FindmailTest, CorpusMailFolderListsMailboxesThatReadBack) {
-  const QString corpus = corpusDir();
-  if (corpus.isEmpty()) {
-    GTEST_SKIP() << "the shared mail corpus is absent (../shared/corpus or QUILLERY_CORPUS)";
-  }
-  fs::create_directories(home() + "/Library");
-  fs::create_directory_symlink(corpus.toStdString() + "/emlx/Mail", mail());
-  const Run result =
-      run({"IMAP-sample@imap.example.com", "POP-sample@pop.example.com", "Mailboxes"});
-  EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.lines,
-            (std::vector<std::string>{mail() + "/IMAP-sample@imap.example.com/INBOX.mbox",
-                                      mail() + "/POP-sample@pop.example.com/INBOX.mbox"}));
-  std::vector<std::string> mailboxes;
-  std::vector<std::string> invalid;
-  tools::walkMailboxes(
-      result.lines,
-      [&](tools::RawMessage&& m) {
-        mailboxes.push_back(m.mailbox);
-        return true;
-      },
-      [&](const std::string& path) { invalid.push_back(path); }, {});
-  EXPECT_TRUE(invalid.empty());
-  ASSERT_EQ(mailboxes.size(), 13u);
-  EXPECT_EQ(mailboxes.front(), "IMAP-sample@imap.example.com/INBOX");
-  EXPECT_EQ(mailboxes.back(), "POP-sample@pop.example.com/INBOX");
 }
 
 }  // namespace
