@@ -1,160 +1,72 @@
 #include "StoredRecord.h"
 
-#include <string_view>
+#include <map>
+#include <sstream>
+
+#include "domail/Base64Text.h"
 
 namespace quillery::tools::test {
 namespace {
 
-std::vector<std::string> lines(const std::string& text) {
-  std::vector<std::string> out;
-  std::size_t pos = 0;
-  for (;;) {
-    const std::size_t nl = text.find('\n', pos);
-    out.push_back(text.substr(pos, nl == std::string::npos ? std::string::npos : nl - pos) + "\n");
-    if (nl == std::string::npos) {
-      return out;
-    }
-    pos = nl + 1;
-  }
-}
-
 std::string trimmed(const std::string& s) {
   const std::size_t first = s.find_first_not_of(" \t\r\n");
-  if (first == std::string::npos) {
-    return {};
-  }
-  return s.substr(first, s.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-std::string withoutNewlines(std::string s) {
-  std::erase(s, '\n');
-  return s;
+  return first == std::string::npos ? std::string()
+                                    : s.substr(first, s.find_last_not_of(" \t\r\n") - first + 1);
 }
 
 }  // namespace
 
 std::string StoredRecord::Attachment::bytes() const {
-  if (encoding.find("base64") == std::string::npos) {
-    return blob;
-  }
-  static const std::string kAlphabet =
-      "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string out;
-  unsigned bits = 0;
-  int count = 0;
-  for (char c : blob) {
-    const std::size_t v = kAlphabet.find(c);
-    if (v == std::string::npos) {
-      continue;
-    }
-    bits = (bits << 6) | static_cast<unsigned>(v);
-    if ((count += 6) >= 8) {
-      count -= 8;
-      out += static_cast<char>((bits >> count) & 0xFF);
-    }
-  }
-  return out;
+  return encoding.find("base64") == std::string::npos ? blob : Base64Text::decode(blob);
 }
 
 StoredRecord StoredRecord::read(const std::string& text) {
+  static const std::map<std::string, std::string StoredRecord::*> kHeaders = {
+      {"MAILBOX:", &StoredRecord::mailbox}, {"FROM:", &StoredRecord::from},
+      {"TO:", &StoredRecord::to},           {"SUBJECT:", &StoredRecord::subject},
+      {"DATE:", &StoredRecord::date},       {"MAILTO:", &StoredRecord::mailto}};
+  static const std::map<std::string, std::string Attachment::*> kAttachmentFields = {
+      {"TYPE:", &Attachment::type},
+      {"FILENAME:", &Attachment::filename},
+      {"ENCODING:", &Attachment::encoding}};
   StoredRecord r;
-  const std::vector<std::string> all = lines(text);
-  std::size_t i = 0;
-  auto at = [&](std::size_t k) {
-    return k < all.size() ? std::string_view(all[k]) : std::string_view();
+  std::istringstream in(text);
+  std::string line;
+  // The lines up to the one that ends with `marker`, which is dropped.
+  auto until = [&](const char* marker) {
+    std::string lines;
+    while (std::getline(in, line) && !line.ends_with(marker)) {
+      lines += line + "\n";
+    }
+    return lines;
   };
-  while (i < all.size()) {
-    const std::string_view line = at(i);
-    if (line.starts_with("ENDOFEMAIL:")) {
-      r.ended = true;
-      return r;
+  while (std::getline(in, line) && !(r.ended = line.starts_with("ENDOFEMAIL:"))) {
+    const std::string key = line.substr(0, line.find(':') + 1);
+    if (key == "BODY:") {
+      const std::string first = line.substr(key.size()) + "\n";
+      r.body = trimmed(first + until("ENDOFBODY:"));
+    } else if (key == "ATTACH:") {
+      r.attachments.emplace_back();
+    } else if (key == "BLOB:" && !r.attachments.empty()) {
+      r.attachments.back().blob = until("ENDATTACH:");
+    } else if (kHeaders.count(key)) {
+      r.*kHeaders.at(key) = trimmed(line.substr(key.size()));
+    } else if (kAttachmentFields.count(key) && !r.attachments.empty()) {
+      r.attachments.back().*kAttachmentFields.at(key) = trimmed(line.substr(key.size()));
     }
-    const std::string value = std::string(line.substr(line.find(':') + 1));
-    if (line.starts_with("MAILBOX: ")) {
-      r.mailbox = withoutNewlines(std::string(line.substr(9)));
-    } else if (line.starts_with("FROM:")) {
-      r.from = trimmed(value);
-    } else if (line.starts_with("TO:")) {
-      r.to = trimmed(value);
-    } else if (line.starts_with("SUBJECT:")) {
-      r.subject = trimmed(value);
-    } else if (line.starts_with("DATE:")) {
-      r.date = trimmed(value);
-    } else if (line.starts_with("MAILTO:")) {
-      r.mailto = trimmed(value);
-    } else if (line.starts_with("BODY:")) {
-      std::string body(line.substr(5));
-      while (++i < all.size() && !at(i).ends_with("ENDOFBODY:\n")) {
-        body += at(i);
-      }
-      r.body = trimmed(body);
-      if (!at(++i).starts_with("ATTACH:")) {
-        if (at(i).starts_with("ENDOFEMAIL:")) {
-          r.ended = true;
-          return r;
-        }
-        ++i;
-        continue;
-      }
-      Attachment current;
-      while (++i < all.size()) {
-        const std::string_view a = at(i);
-        if (a.starts_with("TYPE:")) {
-          current.type = withoutNewlines(std::string(a.substr(5)));
-        } else if (a.starts_with("FILENAME:")) {
-          current.filename = withoutNewlines(std::string(a.substr(9)));
-        } else if (a.starts_with("ENCODING:")) {
-          current.encoding = withoutNewlines(std::string(a.substr(9)));
-        } else if (a.starts_with("ATTACH:")) {
-          current = Attachment{};
-        } else if (a.starts_with("BLOB:")) {
-          current.blob.clear();
-          while (++i < all.size() && !at(i).ends_with("ENDATTACH:\n")) {
-            current.blob += at(i);
-          }
-          r.attachments.push_back(current);
-          if (at(++i).starts_with("ENDATTACHMENTS:")) {
-            break;
-          }
-        } else if (a.starts_with("ENDATTACHMENTS:")) {
-          break;
-        }
-      }
-    }
-    ++i;
   }
   return r;
 }
 
 std::string StoredRecord::readRaw(const std::string& text) {
+  std::istringstream in(text);
   std::string source;
-  for (const std::string& line : lines(text)) {
-    if (line.starts_with("ENDOFRAW:")) {
-      break;
-    }
+  for (std::string line; std::getline(in, line) && !line.starts_with("ENDOFRAW:");) {
     if (!line.starts_with("RAW:")) {
-      source += line;
+      source += line + "\n";
     }
   }
   return source;
-}
-
-bool StoredRecord::validUtf8(const std::string& s) {
-  std::size_t i = 0;
-  while (i < s.size()) {
-    const auto c = static_cast<unsigned char>(s[i]);
-    const std::size_t n = c < 0x80 ? 1 : c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC2 ? 2 : 0;
-    if (n == 0 || i + n > s.size()) {
-      return false;
-    }
-    for (std::size_t k = 1; k < n; ++k) {
-      if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) {
-        return false;
-      }
-    }
-    i += n;
-  }
-  return true;
 }
 
 }  // namespace quillery::tools::test

@@ -5,10 +5,10 @@
 
 namespace quillery::tools::test {
 
-// A message record read back the way the store run reads it (line by line, a body ending at
-// the first line that ends with "ENDOFBODY:", an attachment at one that ends with
-// "ENDATTACH:", the record at a line that begins with "ENDOFEMAIL:"), so a test sees what
-// the archive would receive. Values are trimmed as the archive stores them.
+// A message record split as the store run's reader splits it: a body ends at the first line
+// that ends with "ENDOFBODY:", an attachment's blob at the first line that ends with
+// "ENDATTACH:", the record at a line that begins with "ENDOFEMAIL:". Values are trimmed as
+// the archive stores them.
 struct StoredRecord {
   struct Attachment {
     std::string type, filename, encoding, blob;
@@ -21,7 +21,6 @@ struct StoredRecord {
   static StoredRecord read(const std::string& text);
   // The source as the raw-file reader rebuilds it: "RAW:" lines skipped, up to "ENDOFRAW:".
   static std::string readRaw(const std::string& text);
-  static bool validUtf8(const std::string& text);
 };
 
 }  // namespace quillery::tools::test

@@ -81,8 +81,7 @@ ToolOutcome runTool(const ToolRequest& request) {
   while (std::optional<std::string> announcement = driver.nextAnnouncement()) {
     AnnouncedMessage m;
     m.announcement = *announcement;
-    m.text = readFile(work / "archive.db.tmp");
-    m.record = StoredRecord::read(m.text);
+    m.record = StoredRecord::read(readFile(work / "archive.db.tmp"));
     if (request.raw) {
       m.raw = StoredRecord::readRaw(readFile(work / "archive.db.raw"));
     }
@@ -104,15 +103,6 @@ ToolOutcome runTool(const ToolRequest& request) {
     }
   }
   return outcome;
-}
-
-const AnnouncedMessage* ToolOutcome::withSubject(const std::string& subject) const {
-  for (const AnnouncedMessage& m : messages) {
-    if (m.record.subject == subject) {
-      return &m;
-    }
-  }
-  return nullptr;
 }
 
 std::vector<std::string> ToolOutcome::subjects() const {

@@ -41,8 +41,7 @@ struct ToolRequest {
 
 struct AnnouncedMessage {
   std::string announcement;
-  std::string text;  // the message file as it was at the announcement
-  StoredRecord record;
+  StoredRecord record;  // the message file as it was at the announcement
   std::string raw;  // the source as the raw-file reader rebuilds it
 };
 
@@ -55,7 +54,6 @@ struct ToolOutcome {
   // Protocol faults that would hurt the application: output before an answer, chunks that
   // are not UTF-8, a record without its end.
   int faults = 0;
-  const AnnouncedMessage* withSubject(const std::string& subject) const;
   std::vector<std::string> subjects() const;
 };
 
