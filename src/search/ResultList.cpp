@@ -77,11 +77,7 @@ void ResultList::retrieve(const QString& dbPath) {
   Q_EMIT sqlPanelClosed();
   // The table stays reset until the new rows are in: no view reads them half made.
   Q_EMIT listAboutToReset();
-  archive_.idList.clear();
-  emailRows.clear();
-  dbCountText_.clear();
-  listCountText_.clear();
-  listCount = 0;
+  emptyRows();
   lastTo_ = {};
   lastMailbox_ = {};
   Q_EMIT countsChanged(dbCountText_, listCountText_);
@@ -155,13 +151,17 @@ QString ResultList::repeatedText(const char* value, RepeatedText& last) {
   return last.text;
 }
 
-void ResultList::clear() {
-  Q_EMIT listAboutToReset();
+void ResultList::emptyRows() {
   archive_.idList.clear();
   emailRows.clear();
   dbCountText_.clear();
   listCountText_.clear();
   listCount = 0;
+}
+
+void ResultList::clear() {
+  Q_EMIT listAboutToReset();
+  emptyRows();
   Q_EMIT listReset();
   Q_EMIT countsChanged(dbCountText_, listCountText_);
 }

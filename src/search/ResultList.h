@@ -103,6 +103,8 @@ class ResultList : public QObject {
   // small.
   static QString repeatedText(const char* value, RepeatedText& last);
   void showCounts();
+  // Forgets the rows, their ids and both count texts; the callers tell the views.
+  void emptyRows();
   // Sorts the rows ascending by the comparison named after the column identifier.
   bool sortBy(const QString& identifier);
 

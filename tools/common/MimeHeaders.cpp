@@ -2,12 +2,10 @@
 
 #include <cstring>
 
+#include "common/AsciiText.h"
+
 namespace quillery::tools {
 namespace {
-
-char lower(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
 
 std::string_view trimmed(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
@@ -27,7 +25,7 @@ bool MimeHeaders::equalsIgnoringCase(std::string_view a, std::string_view b) {
     return false;
   }
   for (std::size_t i = 0; i < a.size(); ++i) {
-    if (lower(a[i]) != lower(b[i])) {
+    if (ascii::lower(a[i]) != ascii::lower(b[i])) {
       return false;
     }
   }
@@ -139,7 +137,7 @@ std::string MimeHeaders::mediaType(std::string_view value) {
     if (c == ';' || c == ' ' || c == '\t' || c == '\r' || c == '\n') {
       break;
     }
-    out += lower(c);
+    out += ascii::lower(c);
   }
   return out;
 }

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "common/AsciiText.h"
 #include "common/MimeHeaders.h"
 #include "domail/Base64Text.h"
 #include "domail/EnrichedText.h"
@@ -56,22 +57,13 @@ constexpr Extension kExtensions[] = {
     {"video/mp4", ".mp4"},
 };
 
-std::string lower(std::string s) {
-  for (char& c : s) {
-    if (c >= 'A' && c <= 'Z') {
-      c = static_cast<char>(c - 'A' + 'a');
-    }
-  }
-  return s;
-}
-
 std::string mimeType(GMimeObject* object) {
   GMimeContentType* type = g_mime_object_get_content_type(object);
   if (!type) {
     return "text/plain";
   }
   char* text = g_mime_content_type_get_mime_type(type);
-  std::string out = text ? lower(text) : std::string("text/plain");
+  std::string out = text ? ascii::lowered(text) : std::string("text/plain");
   g_free(text);
   return out;
 }
@@ -79,10 +71,10 @@ std::string mimeType(GMimeObject* object) {
 // An explicit disposition decides; without one, a named part is an attachment.
 bool isAttachment(GMimeObject* object) {
   const char* disposition = g_mime_object_get_disposition(object);
-  if (disposition && lower(disposition) == "attachment") {
+  if (disposition && ascii::lowered(disposition) == "attachment") {
     return true;
   }
-  if (disposition && lower(disposition) == "inline") {
+  if (disposition && ascii::lowered(disposition) == "inline") {
     return false;
   }
   return g_mime_object_get_content_disposition_parameter(object, "filename") ||
@@ -247,9 +239,9 @@ void BodyCollector::leaf(GMimePart* part, const std::string& id, Role role, bool
     if (role == Role::Body) {
       std::string text = PartContent::text(part, text_.decoder());
       const char* format = g_mime_object_get_content_type_parameter(object, "format");
-      if (format && lower(format) == "flowed") {
+      if (format && ascii::lowered(format) == "flowed") {
         const char* delsp = g_mime_object_get_content_type_parameter(object, "delsp");
-        text = FlowedText::unflow(text, delsp && lower(delsp) == "yes");
+        text = FlowedText::unflow(text, delsp && ascii::lowered(delsp) == "yes");
       }
       addSegment(std::move(text));
     }

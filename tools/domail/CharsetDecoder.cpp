@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "common/AsciiText.h"
+
 namespace quillery::tools {
 namespace {
 
@@ -251,7 +253,7 @@ std::string CharsetDecoder::iconvName(std::string_view label) {
     if (c == '"' || c == '\'' || c == ' ' || c == '\t') {
       continue;
     }
-    lower += (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
+    lower += ascii::lower(c);
   }
   for (const Alias& alias : kAliases) {
     if (lower == alias.label) {

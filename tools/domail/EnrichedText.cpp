@@ -2,20 +2,9 @@
 
 #include <algorithm>
 
+#include "common/AsciiText.h"
+
 namespace quillery::tools {
-namespace {
-
-std::string lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') {
-      c = static_cast<char>(c - 'A' + 'a');
-    }
-  }
-  return out;
-}
-
-}  // namespace
 
 std::string EnrichedText::toText(std::string_view text, bool richtext) {
   std::string out;
@@ -36,7 +25,7 @@ std::string EnrichedText::toText(std::string_view text, bool richtext) {
       if (close == std::string_view::npos) {
         break;
       }
-      const std::string command = lower(text.substr(i + 1, close - i - 1));
+      const std::string command = ascii::lowered(text.substr(i + 1, close - i - 1));
       const bool closing = command.starts_with("/");
       const std::string name = closing ? command.substr(1) : command;
       const int step = closing ? -1 : 1;

@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "common/AsciiText.h"
 #include "domail/Base64Text.h"
 
 namespace quillery::tools {
@@ -13,27 +14,14 @@ struct EncodedWord {
   std::size_t end = 0;  // offset after "?="
 };
 
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  return -1;
-}
-
 std::string decodeQ(std::string_view text) {
   std::string out;
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '_') {
       out += ' ';
-    } else if (text[i] == '=' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 &&
-               hexValue(text[i + 2]) >= 0) {
-      out += static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]));
+    } else if (text[i] == '=' && i + 2 < text.size() && ascii::hexValue(text[i + 1]) >= 0 &&
+               ascii::hexValue(text[i + 2]) >= 0) {
+      out += static_cast<char>(ascii::hexValue(text[i + 1]) * 16 + ascii::hexValue(text[i + 2]));
       i += 2;
     } else {
       out += text[i];

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "common/AsciiText.h"
 #include "domail/CharsetDecoder.h"
 
 namespace quillery::tools {
@@ -60,10 +61,6 @@ constexpr std::string_view kLines[] = {"div",     "tr",      "li",     "dd",    
                                        "address", "center",  "form",   "fieldset", "caption",
                                        "figure",  "main",    "aside",  "option"};
 
-char lowerChar(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool isSpace(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
 }
@@ -85,7 +82,7 @@ std::size_t findIgnoringCase(std::string_view text, std::string_view needle, std
   }
   for (std::size_t i = from; i + needle.size() <= text.size(); ++i) {
     std::size_t k = 0;
-    while (k < needle.size() && lowerChar(text[i + k]) == needle[k]) {
+    while (k < needle.size() && ascii::lower(text[i + k]) == needle[k]) {
       ++k;
     }
     if (k == needle.size()) {
@@ -180,7 +177,7 @@ Tag readTag(std::string_view html, std::size_t at) {
   }
   while (i < html.size() &&
          (std::isalnum(static_cast<unsigned char>(html[i])) || html[i] == ':' || html[i] == '-')) {
-    tag.name += lowerChar(html[i++]);
+    tag.name += ascii::lower(html[i++]);
   }
   if (tag.name.empty() || !std::isalpha(static_cast<unsigned char>(tag.name[0]))) {
     tag.name.clear();
@@ -220,7 +217,7 @@ std::size_t HtmlText::decodeReference(std::string_view text, std::size_t at, std
     while (i < text.size() && i - digitsStart < 8 &&
            (hex ? std::isxdigit(static_cast<unsigned char>(text[i]))
                 : std::isdigit(static_cast<unsigned char>(text[i])))) {
-      const char c = lowerChar(text[i]);
+      const char c = ascii::lower(text[i]);
       code = code * (hex ? 16 : 10) + static_cast<char32_t>(c >= 'a' ? c - 'a' + 10 : c - '0');
       ++i;
     }

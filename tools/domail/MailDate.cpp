@@ -3,6 +3,8 @@
 #include <array>
 #include <vector>
 
+#include "common/AsciiText.h"
+
 namespace quillery::tools {
 namespace {
 
@@ -46,15 +48,6 @@ bool isDigit(char c) {
 }
 bool isAlpha(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-std::string lower(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') {
-      c = static_cast<char>(c - 'A' + 'a');
-    }
-  }
-  return out;
 }
 
 bool allDigits(std::string_view s) {
@@ -245,7 +238,7 @@ bool readDashed(std::string_view token, Fields& f) {
     f.month = number(parts[1]);
     f.day = number(parts[2]);
   } else if (allDigits(parts[0]) && allDigits(parts[2])) {
-    const int month = nameIndex(lower(parts[1]), kMonths.data(), kMonths.size());
+    const int month = nameIndex(ascii::lowered(parts[1]), kMonths.data(), kMonths.size());
     if (month < 0) {
       return false;
     }
@@ -286,7 +279,7 @@ bool readToken(std::string_view token, Fields& f) {
       return false;
     }
   }
-  return readWord(lower(word), f);
+  return readWord(ascii::lowered(word), f);
 }
 
 bool leapYear(int y) {

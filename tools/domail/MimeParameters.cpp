@@ -3,18 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "common/AsciiText.h"
+
 namespace quillery::tools {
 namespace {
-
-std::string lowerCase(std::string_view s) {
-  std::string out(s);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') {
-      c = static_cast<char>(c - 'A' + 'a');
-    }
-  }
-  return out;
-}
 
 std::string_view trimmed(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
@@ -26,24 +18,12 @@ std::string_view trimmed(std::string_view s) {
   return s;
 }
 
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  return -1;
-}
-
 std::string percentDecoded(std::string_view s) {
   std::string out;
   for (std::size_t i = 0; i < s.size(); ++i) {
-    if (s[i] == '%' && i + 2 < s.size() && hexValue(s[i + 1]) >= 0 && hexValue(s[i + 2]) >= 0) {
-      out += static_cast<char>(hexValue(s[i + 1]) * 16 + hexValue(s[i + 2]));
+    if (s[i] == '%' && i + 2 < s.size() && ascii::hexValue(s[i + 1]) >= 0 &&
+        ascii::hexValue(s[i + 2]) >= 0) {
+      out += static_cast<char>(ascii::hexValue(s[i + 1]) * 16 + ascii::hexValue(s[i + 2]));
       i += 2;
     } else {
       out += s[i];
@@ -58,7 +38,7 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
   const std::string line = HeaderText::unfold(rawValue);
   const std::string_view s = line;
   std::size_t i = s.find(';');
-  token_ = lowerCase(trimmed(s.substr(0, i)));
+  token_ = ascii::lowered(trimmed(s.substr(0, i)));
   while (i != std::string_view::npos && i < s.size()) {
     ++i;  // past ';'
     const std::size_t eq = s.find('=', i);
@@ -70,7 +50,7 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
       i = semicolon;  // "a; ; b=c" or a bare word
       continue;
     }
-    std::string key = lowerCase(trimmed(s.substr(i, eq - i)));
+    std::string key = ascii::lowered(trimmed(s.substr(i, eq - i)));
     std::size_t v = eq + 1;
     while (v < s.size() && (s[v] == ' ' || s[v] == '\t')) {
       ++v;
@@ -108,7 +88,7 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
 }
 
 std::optional<std::string> MimeParameters::raw(std::string_view name) const {
-  const std::string key = lowerCase(name);
+  const std::string key = ascii::lowered(name);
   for (const Parameter& p : parameters_) {
     if (p.name == key && p.section < 0 && !p.extended) {
       return p.value;
@@ -119,7 +99,7 @@ std::optional<std::string> MimeParameters::raw(std::string_view name) const {
 
 std::optional<std::string> MimeParameters::decoded(std::string_view name, HeaderText& text,
                                                    std::string_view fallbackCharset) const {
-  const std::string key = lowerCase(name);
+  const std::string key = ascii::lowered(name);
   std::vector<const Parameter*> sections;
   const Parameter* single = nullptr;
   const Parameter* plain = nullptr;
