@@ -59,8 +59,9 @@ TEST(DomailCorpusTest, MimeSamplesMatchTheirKeptRecords) {
   std::vector<fs::path> files(fs::directory_iterator(corpus + "/mime"), {});
   std::sort(files.begin(), files.end());
   for (std::size_t i = 0; i < files.size(); ++i) {
-    writeFile(home / ("Library/Mail/Samples/INBOX.mbox/Messages/" + std::to_string(i + 1) + ".emlx"),
-              emlx(readFile(files[i].string())), kFixedTime);
+    writeFile(
+        home / ("Library/Mail/Samples/INBOX.mbox/Messages/" + std::to_string(i + 1) + ".emlx"),
+        emlx(readFile(files[i].string())), kFixedTime);
   }
   ToolRequest request;
   request.mode = ToolRequest::Accounts;
@@ -77,11 +78,11 @@ TEST(DomailCorpusTest, MimeSamplesMatchTheirKeptRecords) {
     actual += summary(name, r);
     // Every charset is decoded whole: no bytes it could not explain, no encoded words left.
     for (const std::string* field : {&r.from, &r.to, &r.subject, &r.body}) {
-      EXPECT_TRUE(CharsetDecoder::isValidUtf8(*field)) << name;
-      EXPECT_EQ(field->find(kReplacement), std::string::npos) << name << ": " << *field;
+      EXPECT_TRUE(CharsetDecoder::isValidUtf8(*field) &&
+                  field->find(kReplacement) == std::string::npos)
+          << name << ": " << *field;
     }
-    EXPECT_EQ(r.subject.find("=?"), std::string::npos) << name;
-    EXPECT_EQ(r.from.find("=?"), std::string::npos) << name;
+    EXPECT_EQ((r.subject + "\n" + r.from).find("=?"), std::string::npos) << name;
   }
   const std::string keptPath = QUILLERY_SOURCE_DIR "/tests/tools/domail/expected/mime-samples.txt";
   if (std::getenv("QUILLERY_UPDATE_EXPECTED")) {

@@ -14,16 +14,6 @@ namespace quillery::tools::test {
 
 namespace fs = std::filesystem;
 
-ScratchDir::ScratchDir() {
-  std::string pattern = (fs::temp_directory_path() / "domail-test-XXXXXX").string();
-  path_ = ::mkdtemp(pattern.data()) ? pattern : std::string();
-}
-
-ScratchDir::~ScratchDir() {
-  std::error_code ec;
-  fs::remove_all(path_, ec);
-}
-
 void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
   fs::create_directories(fs::path(path).parent_path());
   std::ofstream(path, std::ios::binary) << bytes;
@@ -105,10 +95,10 @@ ToolOutcome runTool(const ToolRequest& request) {
   return outcome;
 }
 
-std::vector<std::string> ToolOutcome::subjects() const {
-  std::vector<std::string> out;
+std::string ToolOutcome::subjects() const {
+  std::string out;
   for (const AnnouncedMessage& m : messages) {
-    out.push_back(m.record.subject);
+    out += (&m == messages.data() ? "" : "|") + m.record.subject;
   }
   return out;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QTemporaryDir>
 #include <ctime>
 #include <string>
 #include <vector>
@@ -9,17 +10,10 @@
 namespace quillery::tools::test {
 
 // A folder of its own for one test, removed with everything in it at the end.
-class ScratchDir {
- public:
-  ScratchDir();
-  ~ScratchDir();
-  ScratchDir(const ScratchDir&) = delete;
-  ScratchDir& operator=(const ScratchDir&) = delete;
-  const std::string& path() const { return path_; }
-  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
- private:
-  std::string path_;
+struct ScratchDir {
+  QTemporaryDir dir;
+  std::string path() const { return dir.path().toStdString(); }
+  std::string operator/(const std::string& name) const { return path() + "/" + name; }
 };
 
 // Writes a file, creating its folders; sets its modification time when `modified` is given.
@@ -42,7 +36,7 @@ struct ToolRequest {
 struct AnnouncedMessage {
   std::string announcement;
   StoredRecord record;  // the message file as it was at the announcement
-  std::string raw;  // the source as the raw-file reader rebuilds it
+  std::string raw;      // the source as the raw-file reader rebuilds it
 };
 
 struct ToolOutcome {
@@ -54,7 +48,7 @@ struct ToolOutcome {
   // Protocol faults that would hurt the application: output before an answer, chunks that
   // are not UTF-8, a record without its end.
   int faults = 0;
-  std::vector<std::string> subjects() const;
+  std::string subjects() const;  // the records' subjects in order, joined by "|"
 };
 
 // Runs the real tool as the store run does, answering every announcement after reading the
