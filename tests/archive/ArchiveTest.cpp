@@ -1,11 +1,10 @@
 #include "archive/Archive.h"
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 
+#include "TestFiles.h"
 #include "archive/RowCallbacks.h"
 #include "support/FakeDialogs.h"
 #include "support/RecordingFiles.h"
@@ -13,34 +12,31 @@
 namespace quillery::archive {
 namespace {
 
-using platform::AlertStyle;
-
 class ArchiveTest : public ::testing::Test {
  protected:
   QString path(const QString& name) const { return dir.filePath(name); }
-
-  // The CREATE texts of the tables in a file, by name, read on a connection of its own.
-  static QMap<QString, QString> tables(const QString& file) {
-    QMap<QString, QString> out;
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_exec(
-        db, "SELECT name, sql FROM sqlite_master WHERE type='table'",
-        [](void* ctx, int, char** v, char**) {
-          (*static_cast<QMap<QString, QString>*>(ctx))[QString::fromUtf8(v[0])] =
-              QString::fromUtf8(v[1]);
-          return 0;
-        },
-        &out, nullptr);
-    sqlite3_close(db);
-    return out;
+  // The tables of a file with their CREATE texts, read on a connection of their own.
+  static QStringList tables(const QString& file) {
+    return test::rowsOf(file, "SELECT name, sql FROM sqlite_master WHERE type='table' ORDER BY 1");
   }
-
-  static void run(const QString& file, const char* sql) {
-    sqlite3* db = nullptr;
-    sqlite3_open(file.toUtf8().constData(), &db);
-    ASSERT_EQ(sqlite3_exec(db, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    sqlite3_close(db);
+  // Opens the file and hands back the alerts it showed, each as "title|message"; every one
+  // must be critical, and the open counts as failed exactly when there was one.
+  QStringList alertsOpening(const QString& file) {
+    archive.openFailed = false;
+    dialogs.alerts.clear();
+    archive.openDB(file);
+    QStringList shown;
+    for (const platform::Alert& alert : dialogs.alerts) {
+      EXPECT_EQ(alert.style, platform::AlertStyle::Critical) << alert.message.toStdString();
+      shown.append(alert.title + '|' + alert.message);
+    }
+    EXPECT_EQ(archive.openFailed, !shown.isEmpty());
+    return shown;
+  }
+  QString value(const QString& sql) {
+    archive.sqlResult.clear();
+    archive.exec(sql, singleValueCallback, &archive);
+    return archive.sqlResult;
   }
 
   QTemporaryDir dir;
@@ -49,22 +45,22 @@ class ArchiveTest : public ::testing::Test {
   Archive archive{dialogs, files};
 };
 
-TEST_F(ArchiveTest, NewPathGetsFourTablesWithTheirExactTextsAndIsStamped) {
+TEST_F(ArchiveTest, ANewPathGetsTheFourTablesOfTheArchiveFormatAndIsStamped) {
   const QString file = path(QStringLiteral("new archive"));
-  archive.openDB(file);
-
-  EXPECT_FALSE(archive.openFailed);
+  EXPECT_EQ(alertsOpening(file), QStringList());
   EXPECT_TRUE(archive.isOpen());
-  EXPECT_TRUE(dialogs.alerts.isEmpty());
-  const auto made = tables(file);
-  ASSERT_EQ(made.size(), 4);
-  // sqlite_master keeps the statement without its final semicolon.
-  auto withoutSemicolon = [](const char* s) { return QString::fromUtf8(s).chopped(1); };
-  EXPECT_EQ(made.value(QStringLiteral("email")), withoutSemicolon(Archive::kCreateEmail));
-  EXPECT_EQ(made.value(QStringLiteral("attachments")),
-            withoutSemicolon(Archive::kCreateAttachments));
-  EXPECT_EQ(made.value(QStringLiteral("origemail")), withoutSemicolon(Archive::kCreateOrigemail));
-  EXPECT_EQ(made.value(QStringLiteral("tags")), withoutSemicolon(Archive::kCreateTags));
+  EXPECT_EQ(
+      tables(file),
+      (QStringList{
+          "attachments|CREATE TABLE attachments (id INT,type_fld varchar(127) NOT NULL,"
+          "filename_fld varchar(127) NOT NULL,encode_fld INT default 0,attach_fld BLOB NOT NULL)",
+          "email|CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL,from_fld varchar(127) NOT "
+          "NULL,to_fld varchar(127) NOT NULL,subj_fld varchar(127) NOT NULL,date_fld datetime NOT "
+          "NULL,mailbox varchar(127) NOT NULL,mailto varchar(127) NOT NULL,body_fld mediumtext NOT "
+          "NULL,numAttach INTEGER NOT NULL DEFAULT 0)",
+          "origemail|CREATE TABLE origemail (id INTEGER PRIMARY KEY,orig_fld BLOB NOT NULL)",
+          "tags|CREATE TABLE tags (id INTEGER PRIMARY KEY,cat_fld varchar(127) NOT NULL,key_fld "
+          "varchar(127) NOT NULL,priority_fld INT DEFAULT 0,notes_fld BLOB NOT NULL)"}));
 
   ASSERT_EQ(files.requested.size(), 2);
   EXPECT_EQ(files.requested[0].name, QStringLiteral("user.quillery.creator"));
@@ -73,115 +69,56 @@ TEST_F(ArchiveTest, NewPathGetsFourTablesWithTheirExactTextsAndIsStamped) {
   EXPECT_EQ(files.requested[0].path, file);
 }
 
-TEST_F(ArchiveTest, TheTableTextsAreTheArchiveFormat) {
-  EXPECT_STREQ(Archive::kCreateEmail,
-               "CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL,from_fld varchar(127) NOT "
-               "NULL,to_fld varchar(127) NOT NULL,subj_fld varchar(127) NOT NULL,date_fld "
-               "datetime NOT NULL,mailbox varchar(127) NOT NULL,mailto varchar(127) NOT "
-               "NULL,body_fld mediumtext NOT NULL,numAttach INTEGER NOT NULL DEFAULT 0);");
-  EXPECT_STREQ(Archive::kCreateAttachments,
-               "CREATE TABLE attachments (id INT,type_fld varchar(127) NOT NULL,filename_fld "
-               "varchar(127) NOT NULL,encode_fld INT default 0,attach_fld BLOB NOT NULL);");
-}
-
-TEST_F(ArchiveTest, OpeningAgainKeepsRowsAndReopensCleanly) {
-  const QString file = path(QStringLiteral("a.db"));
-  archive.openDB(file);
+TEST_F(ArchiveTest, OpeningAgainKeepsRowsMissingTablesAreAddedAndExecReportsErrors) {
+  const QString file = path(QStringLiteral("partial.db"));
+  ASSERT_EQ(
+      test::execOn(file, QString::fromLatin1(Archive::kCreateEmail) + Archive::kCreateAttachments +
+                             "INSERT INTO attachments VALUES(1,'t','f',0,'x');"),
+      QString());
+  EXPECT_EQ(alertsOpening(file), QStringList());
+  EXPECT_EQ(tables(file).size(), 4);
   ASSERT_TRUE(archive
-                  .exec(QStringLiteral("INSERT INTO email (id,from_fld,to_fld,subj_fld,"
-                                       "date_fld,mailbox,mailto,body_fld) VALUES(NULL,'f',"
-                                       "'t','s','2020-01-01 00:00:00','m','r','b')"))
+                  .exec(QStringLiteral("INSERT INTO email (id,from_fld,to_fld,subj_fld,date_fld,"
+                                       "mailbox,mailto,body_fld) VALUES(NULL,'f','t','s',"
+                                       "'2020-01-01 00:00:00','m','r','b')"))
                   .ok());
   archive.openDB(file);
-  archive.sqlResult.clear();
-  archive.exec(QStringLiteral("SELECT count(id) FROM email"), singleValueCallback, &archive);
-  EXPECT_EQ(archive.sqlResult, QStringLiteral("1"));
+  EXPECT_EQ(value(QStringLiteral("SELECT count(*) FROM email")) +
+                value(QStringLiteral("SELECT count(*) FROM attachments")),
+            QStringLiteral("11"));
+
+  const ExecResult bad = archive.exec(QStringLiteral("SELECT nope FROM email"));
+  EXPECT_EQ(bad.code, SQLITE_ERROR);
+  EXPECT_EQ(bad.error, QStringLiteral("no such column: nope"));
   archive.close();
   archive.close();  // a second close must not touch the freed connection
   EXPECT_FALSE(archive.isOpen());
 }
 
-TEST_F(ArchiveTest, EmptyPathIsNotAValidDatabaseFile) {
-  archive.openDB(QString());
-  EXPECT_TRUE(archive.openFailed);
-  ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::Critical);
-  EXPECT_EQ(dialogs.alerts[0].title, QStringLiteral("Open Failed"));
-  EXPECT_EQ(dialogs.alerts[0].message, QStringLiteral(" is not a valid database file."));
+TEST_F(ArchiveTest, WhatIsNoArchiveIsRefusedWithItsAlertAndLeftAsItWas) {
+  const QString missingFolder = path(QStringLiteral("no/such/folder/a.db"));
+  EXPECT_EQ(alertsOpening(QString()), QStringList{"Open Failed| is not a valid database file."});
+  EXPECT_EQ(alertsOpening(missingFolder),
+            QStringList{"|SQL Error: " + missingFolder + " unable to open database file"});
   EXPECT_FALSE(archive.isOpen());
-}
 
-TEST_F(ArchiveTest, UnopenablePathShowsTheSqlErrorWithThePath) {
-  const QString file = path(QStringLiteral("no/such/folder/a.db"));
-  archive.openDB(file);
-  EXPECT_TRUE(archive.openFailed);
-  ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_TRUE(dialogs.alerts[0].title.isEmpty());
-  EXPECT_EQ(dialogs.alerts[0].message,
-            QStringLiteral("SQL Error: %1 unable to open database file").arg(file));
-}
+  const QString text = path(QStringLiteral("notes.txt"));
+  ASSERT_TRUE(test::writeFile(text, "These are my notes, not an archive.\n"));
+  EXPECT_EQ(alertsOpening(text), QStringList{"Open Failed|This is not a valid database file."});
+  EXPECT_EQ(test::readFile(text), QStringLiteral("These are my notes, not an archive.\n"));
 
-TEST_F(ArchiveTest, TextFileIsRefusedAndLeftUnchanged) {
-  const QString file = path(QStringLiteral("notes.txt"));
-  QFile f(file);
-  ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  const QByteArray content("These are my notes, not an archive.\n");
-  f.write(content);
-  f.close();
-
-  archive.openDB(file);
-
-  EXPECT_TRUE(archive.openFailed);
-  ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::Critical);
-  EXPECT_EQ(dialogs.alerts[0].title, QStringLiteral("Open Failed"));
-  EXPECT_EQ(dialogs.alerts[0].message, QStringLiteral("This is not a valid database file."));
-  ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-  EXPECT_EQ(f.readAll(), content);
-}
-
-TEST_F(ArchiveTest, OldFormatIsRefusedBeforeAnyTableIsCreated) {
-  const QString file = path(QStringLiteral("old.db"));
-  run(file,
-      "CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL,from_fld varchar(127) NOT NULL,"
-      "to_fld varchar(127) NOT NULL,subj_fld varchar(127) NOT NULL,date_fld datetime NOT NULL,"
-      "mailbox varchar(127) NOT NULL,mailto varchar(127) NOT NULL,body_fld mediumtext NOT NULL)");
-
-  archive.openDB(file);
-
-  EXPECT_TRUE(archive.openFailed);
-  ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_EQ(dialogs.alerts[0].title, QStringLiteral("Open Failed"));
-  EXPECT_EQ(dialogs.alerts[0].message,
-            QStringLiteral("This appears to be a pre-version 7.4.1 database format. The database "
-                           "format has been revised.  You can convert your old database files "
-                           "to the new format by selecting 'Convert Database to New Format' "
-                           "from the File menu."));
-  EXPECT_EQ(tables(file).keys(), QStringList{QStringLiteral("email")});
-}
-
-TEST_F(ArchiveTest, MissingTablesAreCreatedSilentlyAndOthersKept) {
-  const QString file = path(QStringLiteral("partial.db"));
-  run(file, Archive::kCreateEmail);
-  run(file, Archive::kCreateAttachments);
-  run(file, "INSERT INTO attachments VALUES(1,'t','f',0,'x')");
-
-  archive.openDB(file);
-
-  EXPECT_FALSE(archive.openFailed);
-  EXPECT_TRUE(dialogs.alerts.isEmpty());
-  EXPECT_EQ(tables(file).size(), 4);
-  archive.sqlResult.clear();
-  archive.exec(QStringLiteral("SELECT count(*) FROM attachments"), singleValueCallback, &archive);
-  EXPECT_EQ(archive.sqlResult, QStringLiteral("1"));
-}
-
-TEST_F(ArchiveTest, ExecReportsCodeAndText) {
-  archive.openDB(path(QStringLiteral("a.db")));
-  const ExecResult bad = archive.exec(QStringLiteral("SELECT nope FROM email"));
-  EXPECT_EQ(bad.code, SQLITE_ERROR);
-  EXPECT_EQ(bad.error, QStringLiteral("no such column: nope"));
-  EXPECT_TRUE(archive.exec(QStringLiteral("SELECT 1")).ok());
+  // An archive from before the attachment count is refused before any table is added.
+  const QString old = path(QStringLiteral("old.db"));
+  ASSERT_EQ(test::execOn(old,
+                         "CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL,from_fld "
+                         "varchar(127) NOT NULL,body_fld mediumtext NOT NULL)"),
+            QString());
+  EXPECT_EQ(alertsOpening(old),
+            QStringList{"Open Failed|This appears to be a pre-version 7.4.1 database format. The "
+                        "database format has been revised.  You can convert your old database "
+                        "files to the new format by selecting 'Convert Database to New Format' "
+                        "from the File menu."});
+  EXPECT_EQ(tables(old).size(), 1);
 }
 
 }  // namespace
