@@ -4,8 +4,8 @@
 
 #include <QTemporaryDir>
 
-#include "TestFiles.h"
 #include "archive/RowCallbacks.h"
+#include "archive/TestFiles.h"
 #include "support/FakeDialogs.h"
 #include "support/RecordingFiles.h"
 

@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QStringList>
 
+#include "support/QtPrinters.h"
+
 namespace quillery::test {
 
 // Writes the bytes as the whole file; false when it can't be written.

@@ -3,18 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <QTemporaryDir>
-#include <ostream>
 
 #include "archive/Archive.h"
+#include "archive/TestFiles.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeProgress.h"
-
-// Failures show the texts themselves.
-inline void PrintTo(const QString& text, std::ostream* out) {
-  *out << '"' << text.toStdString() << '"';
-}
 
 namespace quillery::search {
 

@@ -2,6 +2,7 @@
 // scripted stand-in for the parser tool where the test needs exact arguments and run logs.
 #include <QFile>
 #include <QSignalSpy>
+#include <utility>
 
 #include "StoreRunFixture.h"
 #include "ingest/StoreSummary.h"
@@ -41,101 +42,88 @@ class StoreRunChecksTest : public StoreRunFixture {
  protected:
   void useStandIn(int invalidFiles) {
     const QString tool = dir.filePath(QStringLiteral("standin.sh"));
-    QFile script(tool);
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write(kStandIn);
-    script.close();
-    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    ASSERT_TRUE(test::writeFile(tool, kStandIn, true));
     out = dir.filePath(QStringLiteral("standin"));
     qputenv("STANDIN_OUT", out.toUtf8());
     qputenv("STANDIN_INVALID", QByteArray::number(invalidFiles));
     makeRun(tool);
   }
   QStringList recordedArguments() const {
-    return readFile(out + QStringLiteral(".args")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    return test::readFile(out + QStringLiteral(".args")).split('\n', Qt::SkipEmptyParts);
   }
   QString out;
 };
 
-TEST_F(StoreRunChecksTest, AnEmptyChoiceStopsWithItsAlertBeforeAnythingIsOpened) {
+TEST_F(StoreRunChecksTest, NothingStartsWithoutSourcesOrWhenTheConfirmationIsCancelled) {
+  useStandIn(0);
   QSignalSpy closed(run.get(), &StoreRun::storeDatePanelClosed);
   counters.storedCount = 7;
   StoreSwitches mailboxes = allOn();
   mailboxes.mailboxesState = true;
   EXPECT_FALSE(run->parseEmail(dbPath(), mailboxes, {}, {{QStringLiteral("acct")}, {}}));
   EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {{}, {QStringLiteral("box")}}));
-
-  ASSERT_EQ(dialogs.alerts.size(), 2);
+  EXPECT_EQ(dialogs.messages(),
+            (QStringList{"You have not selected any mailboxes to store in the database.  Click on "
+                         "the Setup button to select your mailboxes.",
+                         "You have not selected any email accounts to store in the database.  "
+                         "Click on the Setup button to select your email accounts."}));
   EXPECT_EQ(dialogs.alerts[0].style, AlertStyle::Critical);
-  EXPECT_EQ(dialogs.alerts[0].message,
-            QStringLiteral("You have not selected any mailboxes to store in the database.  Click "
-                           "on the Setup button to select your mailboxes."));
-  EXPECT_EQ(dialogs.alerts[1].message,
-            QStringLiteral("You have not selected any email accounts to store in the database.  "
-                           "Click on the Setup button to select your email accounts."));
   // The date panel is closed and the counters reset, and that is all.
   EXPECT_EQ(closed.size(), 2);
   EXPECT_EQ(counters.storedCount, 0);
-  EXPECT_FALSE(QFile::exists(dbPath()));
-  EXPECT_FALSE(QFile::exists(dbPath() + QStringLiteral(".storelog")));
-}
 
-TEST_F(StoreRunChecksTest, CancelInTheConfirmationStartsNothing) {
-  useStandIn(0);
+  // Choosing mbox files: a cancelled panel changes nothing; chosen files switch to mbox mode.
+  EXPECT_FALSE(run->openMbox());
+  ASSERT_EQ(dialogs.openPanels.size(), 1);
+  EXPECT_EQ(dialogs.openPanels[0].title + '|' + dialogs.openPanels[0].prompt,
+            QStringLiteral("Import MBOX Files|Open"));
+  EXPECT_TRUE(dialogs.openPanels[0].multipleSelection);
+  EXPECT_FALSE(run->mboxMode);
+  dialogs.setNextFileNames({QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")});
+  ASSERT_TRUE(run->openMbox());
+  EXPECT_EQ(run->sourceList, (QStringList{"/a.mbox", "/b.mbox"}));
+  run->cancelStore();
+
+  dialogs.alerts.clear();
   dialogs.setNextAnswer(1);
-  run->sourceList = {dir.filePath(QStringLiteral("some.mbox"))};
-  run->mboxMode = true;
   EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {}));
-
   ASSERT_EQ(dialogs.alerts.size(), 1);
   EXPECT_EQ(dialogs.alerts[0].title, QStringLiteral("Store Email in Database"));
-  EXPECT_EQ(dialogs.alerts[0].buttons,
-            (QStringList{QStringLiteral("OK"), QStringLiteral("Cancel")}));
+  EXPECT_EQ(dialogs.alerts[0].buttons, (QStringList{"OK", "Cancel"}));
   EXPECT_FALSE(run->isRunning());
   EXPECT_FALSE(QFile::exists(dbPath()));
+  EXPECT_FALSE(QFile::exists(dbPath() + QStringLiteral(".storelog")));
   EXPECT_FALSE(QFile::exists(out + QStringLiteral(".args")));
   EXPECT_TRUE(run->mboxMode);  // only the end of a run clears it
 }
 
 TEST_F(StoreRunChecksTest, TheConfirmationNamesWhatWillBeStored) {
-  struct Row {
-    const char* name;
-    bool mbox, attach, allmb, trash;
-    QString expected;
-  };
-  const QString at = QStringLiteral("database file at ") + dbPath() + QLatin1Char('.');
-  const QString head = QStringLiteral("Quillery will store and index the text ");
+  const QString at = QStringLiteral("into the database file at ") + dbPath() + QLatin1Char('.');
+  const QString mbox =
+      QStringLiteral("Quillery will store and index the email in the selected mbox files, ") + at;
+  const QString text = QStringLiteral("Quillery will store and index the text ");
   const QString boxes = QStringLiteral(
       "of all emails in the In boxes and Sent boxes of your selected email accounts, ");
   const QString trash = QStringLiteral(" The Trash & Junk mailboxes will also be stored.");
-  const Row rows[] = {
-      {"mbox", true, true, true, false,
-       QStringLiteral("Quillery will store and index the email in the selected mbox files, "
-                      "into the ") +
-           at},
-      {"mbox with trash", true, false, false, true,
-       QStringLiteral("Quillery will store and index the email in the selected mbox files, "
-                      "into the ") +
-           at + trash},
-      {"accounts, text only", false, false, false, false,
-       head + boxes + QStringLiteral("into the ") + at},
-      {"accounts with attachments", false, true, false, false,
-       head + QStringLiteral("and attachments ") + boxes + QStringLiteral("into the ") + at},
-      {"all mailboxes and trash", false, false, true, true,
-       head + boxes + QStringLiteral("plus all emails in all of your other mailboxes, into the ") +
-           at + trash},
+  const struct {
+    bool mbox, attach, allmb, trash;
+    QString expected;
+  } rows[] = {
+      {true, true, true, false, mbox},
+      {true, false, false, true, mbox + trash},
+      {false, false, false, false, text + boxes + at},
+      {false, true, false, false, text + QStringLiteral("and attachments ") + boxes + at},
+      {false, false, true, true,
+       text + boxes + QStringLiteral("plus all emails in all of your other mailboxes, ") + at +
+           trash},
   };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     dialogs.alerts.clear();
     dialogs.setNextAnswer(1);
     run->mboxMode = row.mbox;
-    StoreSwitches switches;
-    switches.attachState = row.attach;
-    switches.allmbState = row.allmb;
-    switches.trashState = row.trash;
-    run->parseEmail(dbPath(), switches, {}, {{QStringLiteral("acct")}, {}});
-    ASSERT_EQ(dialogs.alerts.size(), 1) << row.name;
-    EXPECT_EQ(dialogs.alerts[0].message, row.expected) << row.name;
+    run->parseEmail(dbPath(), {row.allmb, row.attach, false, row.trash, false, false}, {},
+                    {{QStringLiteral("acct")}, {}});
+    EXPECT_EQ(dialogs.messages(), QStringList{row.expected});
   }
 }
 
@@ -148,8 +136,9 @@ TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswe
   EXPECT_EQ(recordedArguments(),
             (QStringList{dbPath() + QStringLiteral(".log"), "0", "1", "1", "0", "1", "1", "0",
                          "0000-00-00 00:00:00", "9999-99-99 00:00:00", mbox}));
-  EXPECT_EQ(readFile(out + QStringLiteral(".env")), QStringLiteral("YES"));
-  EXPECT_EQ(readFile(out + QStringLiteral(".answers")), QStringLiteral("go for it|go for it|"));
+  EXPECT_EQ(test::readFile(out + QStringLiteral(".env")), QStringLiteral("YES"));
+  EXPECT_EQ(test::readFile(out + QStringLiteral(".answers")),
+            QStringLiteral("go for it|go for it|"));
 
   QString expected = QStringLiteral(
       "Parsed: 9\nProcessed: 2\nStored: 2\nDuplicates replaced: 0\n"
@@ -158,7 +147,7 @@ TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswe
     expected += QStringLiteral("/bad/file%1.mbox\n").arg(i);
   expected += QStringLiteral("...\n");
   EXPECT_EQ(summary, expected);
-  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), expected);
+  EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".storelog")), expected);
   ASSERT_FALSE(dialogs.alerts.isEmpty());
   EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
   EXPECT_EQ(dialogs.alerts.last().message, expected);
@@ -219,83 +208,30 @@ TEST_F(StoreRunChecksTest, AToolThatCannotRunStillEndsTheRun) {
   EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
 }
 
-TEST_F(StoreRunChecksTest, TheDatePanelStartsOnTheNewestStoredDay) {
-  QSignalSpy shown(run.get(), &StoreRun::storeDatePanelShown);
-  EXPECT_FALSE(run->setStoreDate(dbPath()).has_value());  // a new, empty archive
-  EXPECT_EQ(shown.size(), 1);
-
-  archive.openDB(dbPath());
-  archive.exec(QStringLiteral(
-      "INSERT INTO email (date_fld,from_fld,to_fld,subj_fld,mailto,mailbox,body_fld,numAttach) "
-      "VALUES('2021-11-05 23:59:59','f','t','s','m','b','x',0),"
-      "('2017-01-02 00:00:00','f','t','s','m','b','x',0)"));
-  archive.close();
-  QSignalSpy selected(run.get(), &StoreRun::beginStoreDateSelected);
-  const auto begin = run->setStoreDate(dbPath());
-  ASSERT_TRUE(begin.has_value());
-  EXPECT_EQ(begin->year + begin->month + begin->day, QStringLiteral("20211105"));
-  ASSERT_EQ(selected.size(), 1);
-  EXPECT_EQ(selected.first(), (QVariantList{"2021", "11", "05"}));
-  EXPECT_FALSE(archive.isOpen());
-
-  const QString notADatabase = dir.filePath(QStringLiteral("notes.txt"));
-  QFile text(notADatabase);
-  ASSERT_TRUE(text.open(QIODevice::WriteOnly));
-  text.write("plain text, long enough to be taken for a database header by nobody\n");
-  text.close();
-  EXPECT_FALSE(run->setStoreDate(notADatabase).has_value());
-  EXPECT_FALSE(archive.openFailed);
-  EXPECT_EQ(shown.size(), 2);  // not shown for the file that failed
-}
-
-TEST_F(StoreRunChecksTest, ChoosingMboxFilesSwitchesToMboxModeUntilARunEnds) {
-  EXPECT_FALSE(run->openMbox());
-  ASSERT_EQ(dialogs.openPanels.size(), 1);
-  EXPECT_EQ(dialogs.openPanels[0].title, QStringLiteral("Import MBOX Files"));
-  EXPECT_EQ(dialogs.openPanels[0].prompt, QStringLiteral("Open"));
-  EXPECT_TRUE(dialogs.openPanels[0].multipleSelection);
-  EXPECT_FALSE(run->mboxMode);
-
-  dialogs.setNextFileNames({QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")});
-  EXPECT_TRUE(run->openMbox());
-  run->cancelStore();
-  EXPECT_TRUE(run->mboxMode);
-  EXPECT_EQ(run->sourceList, (QStringList{QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")}));
-}
-
-TEST(StoreSummaryTest, SixInvalidFilesAreListedAndASeventhBecomesDots) {
+TEST(StoreSummaryTest, TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByName) {
   QTemporaryDir dir;
   const QString log = dir.filePath(QStringLiteral("run.log"));
-  for (const int invalid : {6, 7}) {
-    QFile file(log);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write("PARSED: 40\nnoise line\n");
-    for (int i = 1; i <= invalid; ++i)
-      file.write(QStringLiteral("INVALID: /m/ü%1\n").arg(i).toUtf8());
-    file.write("PARSED: 41\n");
-    file.close();
-    StoreRunCounters counters;
-    counters.invalidFileCount = 99;
-    QStringList paths;
-    ASSERT_TRUE(StoreSummary::readRunLog(log, counters, paths));
-    EXPECT_EQ(counters.invalidFileCount, invalid);
-    EXPECT_EQ(counters.parsedCount, 41);  // the last PARSED line wins
-    ASSERT_EQ(paths.size(), 6);
-    EXPECT_EQ(paths[0], QStringLiteral("/m/ü1\n"));
-    const QString summary = StoreSummary::compose(counters, QStringLiteral("f\ns"), paths);
-    EXPECT_EQ(summary.endsWith(QStringLiteral("/m/ü6\n...\n")), invalid == 7) << invalid;
-    EXPECT_TRUE(summary.contains(QStringLiteral("Invalid Files: %1\n").arg(invalid)));
+  QString text = QStringLiteral("PARSED: 40\nnoise line\n");
+  QString listed;
+  for (int i = 1; i <= 6; ++i) {
+    text += QStringLiteral("INVALID: /m/ü%1\n").arg(i);
+    listed += QStringLiteral("/m/ü%1\n").arg(i);
   }
-}
-
-TEST(StoreSummaryTest, WithoutALogTheProcessedCountStandsForParsed) {
+  ASSERT_TRUE(test::writeFile(log, (text + QStringLiteral("PARSED: 41\n")).toUtf8()));
   StoreRunCounters counters;
+  counters.invalidFileCount = 99;
+  QStringList paths;
+  ASSERT_TRUE(StoreSummary::readRunLog(log, counters, paths));
+  // The last PARSED line wins; six invalid files are listed without the dots of a seventh.
+  EXPECT_EQ(StoreSummary::compose(counters, QStringLiteral("f\ns"), paths),
+            QStringLiteral("Parsed: 41\nProcessed: 0\nStored: 0\nDuplicates replaced: 0\n"
+                           "last file parsed: f\ns\nInvalid Files: 6\n") +
+                listed);
+
+  // Without a log the processed count stands for parsed, and no file of an earlier run stays.
+  counters.parsedCount = 0;
   counters.processedCount = 12;
-  counters.invalidFileCount = 3;
-  QStringList paths{QStringLiteral("old\n")};
   EXPECT_FALSE(StoreSummary::readRunLog(QStringLiteral("/nonexistent/run.log"), counters, paths));
-  EXPECT_EQ(counters.parsedCount, 12);
-  EXPECT_EQ(counters.invalidFileCount, 0);
   EXPECT_TRUE(paths.isEmpty());
   EXPECT_EQ(StoreSummary::compose(counters, QString(), paths),
             QStringLiteral("Parsed: 12\nProcessed: 12\nStored: 0\nDuplicates replaced: 0\n"
@@ -303,12 +239,10 @@ TEST(StoreSummaryTest, WithoutALogTheProcessedCountStandsForParsed) {
 }
 
 TEST(StoreSummaryTest, LeadingIntReadsLikeAtoi) {
-  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("2021-11-05 10:00:00")), 2021);
-  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral(" 123\n")), 123);
-  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("-4x")), -4);
-  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("0")), 0);
-  EXPECT_EQ(StoreSummary::leadingInt(QStringLiteral("abc")), 0);
-  EXPECT_EQ(StoreSummary::leadingInt(QString()), 0);
+  const std::pair<const char*, int> cases[] = {
+      {"2021-11-05 10:00:00", 2021}, {" 123\n", 123}, {"-4x", -4}, {"abc", 0}, {"", 0}};
+  for (const auto& [text, value] : cases)
+    EXPECT_EQ(StoreSummary::leadingInt(QString::fromUtf8(text)), value) << text;
 }
 
 }  // namespace

@@ -28,56 +28,39 @@ class StoreRunEndToEndTest : public StoreRunFixture {
 TEST_F(StoreRunEndToEndTest, GeneratedMailIsStoredFieldByField) {
   ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))))
       << "the parser tool is part of the build";
-  constexpr int kMessages = 60;
-  const QString summary = storeMbox({generatedMbox(kMessages)});
+  const QString summary = storeMbox({generatedMbox(60)});
 
-  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
-  EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), kMessages);
   EXPECT_EQ(summary, QStringLiteral("Parsed: 60\nProcessed: 60\nStored: 60\nDuplicates "
                                     "replaced: 0\nlast file parsed: ") +
                          run->lastProgressText + QLatin1Char('\n'));
-  EXPECT_TRUE(run->lastProgressText.contains(MailFixtures::subject(kMessages - 1)));
+  EXPECT_TRUE(run->lastProgressText.contains(MailFixtures::subject(59)));
   // No SQL error was logged: the store log holds the summary alone.
-  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), summary);
-  EXPECT_EQ(list.listCount, kMessages);
+  EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".storelog")), summary);
+  EXPECT_EQ(list.listCount, 60);
+  EXPECT_EQ(rows(QStringLiteral("SELECT count(*), (SELECT count(*) FROM origemail), (SELECT "
+                                "count(*) FROM attachments) FROM email")),
+            QStringList{"60|60|12"});  // every fifth message has an attachment
 
-  const QString row = QStringLiteral(" FROM email WHERE id=%1").arg(idOf(10));
-  EXPECT_EQ(scalar(QStringLiteral("SELECT date_fld") + row), QStringLiteral("2018-01-01 10:10:00"));
-  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld") + row), MailFixtures::subject(10));
-  EXPECT_EQ(scalar(QStringLiteral("SELECT to_fld") + row),
-            QStringLiteral("Archive Owner <owner@example.org>"));
-  // Backslashes reach the archive doubled; readers of the archive expect that.
-  EXPECT_TRUE(scalar(QStringLiteral("SELECT body_fld") + row)
-                  .contains(QStringLiteral("Path C:\\\\temp\\\\10")));
-  // Decoded headers and a subject with double quotes.
-  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld FROM email WHERE id=%1").arg(idOf(3))),
-            QStringLiteral("Grüße 3"));
-  EXPECT_EQ(scalar(QStringLiteral("SELECT subj_fld FROM email WHERE id=%1").arg(idOf(4))),
-            QStringLiteral("Say \"cheese\" 4"));
-
-  // The attachment of message 7, in base64 as the tool delivered it, counted on its row.
-  const int withAttachment = idOf(7);
-  EXPECT_EQ(count(QStringLiteral("SELECT numAttach FROM email WHERE id=%1").arg(withAttachment)),
-            1);
-  EXPECT_TRUE(scalar(QStringLiteral("SELECT body_fld FROM email WHERE id=%1").arg(withAttachment))
-                  .endsWith(QStringLiteral("\nATTACHMENTS:")));
-  EXPECT_EQ(
-      scalar(
-          QStringLiteral("SELECT filename_fld FROM attachments WHERE id=%1").arg(withAttachment)),
-      QStringLiteral("file7.bin"));
-  EXPECT_EQ(
-      count(QStringLiteral("SELECT encode_fld FROM attachments WHERE id=%1").arg(withAttachment)),
-      1);
-  const QString blob =
-      scalar(QStringLiteral("SELECT attach_fld FROM attachments WHERE id=%1").arg(withAttachment));
-  EXPECT_EQ(QByteArray::fromBase64(blob.toLatin1()), MailFixtures::attachmentBytes(7));
-  EXPECT_EQ(
-      count(QStringLiteral("SELECT count(*) FROM attachments WHERE filename_fld LIKE 'file%'")),
-      12);  // every fifth message of sixty
-
-  // The source of each message is kept.
-  EXPECT_TRUE(scalar(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(idOf(10)))
-                  .contains(QStringLiteral("Message-ID: <gen10@fixtures.example>")));
+  // Decoded headers, double quotes, and backslashes that reach the archive doubled.
+  EXPECT_EQ(rows(QStringLiteral("SELECT date_fld, subj_fld, to_fld, numAttach, body_fld FROM email "
+                                "WHERE date_fld BETWEEN '2018-01-01 10:02' AND '2018-01-01 10:05' "
+                                "ORDER BY date_fld")),
+            (QStringList{"2018-01-01 10:02:00|Message 2 of the run|Archive Owner "
+                         "<owner@example.org>|1|Hello number 2.\nPath C:\\\\temp\\\\2\nRegards"
+                         "\n\nATTACHMENTS:",
+                         "2018-01-01 10:03:00|Grüße 3|Archive Owner <owner@example.org>|0|Hello "
+                         "number 3.\nPath C:\\\\temp\\\\3\nRegards",
+                         "2018-01-01 10:04:00|Say \"cheese\" 4|Archive Owner "
+                         "<owner@example.org>|0|Hello number 4.\nPath C:\\\\temp\\\\4\nRegards"}));
+  // The attachment in base64 as the tool delivered it, and the message's source.
+  const QString seven = QString::number(idOf(7));
+  EXPECT_EQ(rows("SELECT filename_fld, encode_fld FROM attachments WHERE id=" + seven),
+            QStringList{"file7.bin|1"});
+  EXPECT_EQ(QByteArray::fromBase64(
+                scalar("SELECT attach_fld FROM attachments WHERE id=" + seven).toLatin1()),
+            MailFixtures::attachmentBytes(7));
+  EXPECT_TRUE(scalar("SELECT orig_fld FROM origemail WHERE id=" + seven)
+                  .contains(QStringLiteral("Message-ID: <gen7@fixtures.example>")));
 }
 
 TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
@@ -139,45 +122,21 @@ TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhol
   storeMbox({mbox});
 
   EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM email")), kMessages);
-  for (int i : {7, 12, 17, 22}) {
-    EXPECT_EQ(scalar(QStringLiteral("SELECT group_concat(filename_fld) FROM attachments WHERE "
-                                    "id=%1")
-                         .arg(idOf(i))),
-              QStringLiteral("file%1.bin").arg(i));
-  }
-  EXPECT_EQ(count(QStringLiteral(
-                "SELECT count(*) FROM attachments WHERE id NOT IN (SELECT id FROM email)")),
-            0);
+  // Each attachment belongs to its own message, and none to a message that is gone (message
+  // 2's carried-over tags fail, which ends its storing early).
+  EXPECT_EQ(rows(QStringLiteral("SELECT from_fld, group_concat(filename_fld) FROM attachments "
+                                "LEFT JOIN email USING(id) WHERE id<>%1 GROUP BY id ORDER BY id")
+                     .arg(idOf(2))),
+            (QStringList{"Sender 7 <sender7@example.com>|file7.bin",
+                         "Sender 12 <sender12@example.com>|file12.bin",
+                         "Sender 17 <sender17@example.com>|file17.bin",
+                         "Sender 22 <sender22@example.com>|file22.bin"}));
   // The run's end came after the last alert of its messages, not inside one.
   ASSERT_FALSE(dialogs.alerts.isEmpty());
   EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
   ASSERT_EQ(dialogs.alerts.size(), 4);  // the confirmation, two failing tags rows, the end
   EXPECT_TRUE(dialogs.alerts[1].message.startsWith(QStringLiteral("SQL error: ")));
   EXPECT_TRUE(dialogs.openPanels.isEmpty());
-}
-
-TEST_F(StoreRunEndToEndTest, QuittingDuringARunKeepsWhatWasStored) {
-  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
-  bool quit = false;
-  progress.atCount = QStringLiteral("30");
-  progress.action = [this, &quit] {
-    // Quitting happens between two messages, from the event loop.
-    QTimer::singleShot(0, run.get(), [this, &quit] {
-      run->terminateParser();
-      quit = true;
-    });
-  };
-  run->sourceList = {generatedMbox(300)};
-  run->mboxMode = true;
-  ASSERT_TRUE(run->parseEmail(dbPath(), allOn(), {}, {}));
-  ASSERT_TRUE(QTest::qWaitFor([&quit] { return quit; }, 60000));
-
-  EXPECT_FALSE(run->isRunning());
-  EXPECT_FALSE(archive.storeRunUnderWay);
-  const int stored = count(QStringLiteral("SELECT count(*) FROM email"));
-  EXPECT_GE(stored, 30);
-  EXPECT_LT(stored, 300);
-  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
 }
 
 TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {
@@ -199,7 +158,7 @@ TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {
       << summary.toStdString();
   EXPECT_TRUE(summary.contains(QStringLiteral("\nDuplicates replaced: %1\n").arg(42 - rows)))
       << summary.toStdString();
-  EXPECT_EQ(readFile(dbPath() + QStringLiteral(".storelog")), summary);
+  EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".storelog")), summary);
   EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), rows);
   EXPECT_GT(count(QStringLiteral("SELECT count(*) FROM email WHERE subj_fld LIKE '%Russia%' OR "
                                  "body_fld LIKE '%From Russia with love%'")),

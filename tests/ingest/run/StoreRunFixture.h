@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -10,6 +9,7 @@
 #include <memory>
 
 #include "archive/Archive.h"
+#include "archive/TestFiles.h"
 #include "ingest/StoreRun.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
@@ -67,27 +67,10 @@ class StoreRunFixture : public ::testing::Test {
     return runToEnd(switches);
   }
 
-  // One value read on a connection of the test's own; "" for no row or NULL.
-  QString scalar(const QString& sql) const {
-    QString out;
-    sqlite3* db = nullptr;
-    sqlite3_open_v2(dbPath().toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr);
-    sqlite3_exec(
-        db, sql.toUtf8().constData(),
-        [](void* ctx, int, char** v, char**) {
-          *static_cast<QString*>(ctx) = v[0] ? QString::fromUtf8(v[0]) : QString();
-          return 0;
-        },
-        &out, nullptr);
-    sqlite3_close(db);
-    return out;
-  }
+  // The rows of a query on a connection of the test's own, columns joined by '|'.
+  QStringList rows(const QString& sql) const { return test::rowsOf(dbPath(), sql); }
+  QString scalar(const QString& sql) const { return rows(sql).value(0); }
   int count(const QString& sql) const { return scalar(sql).toInt(); }
-
-  QString readFile(const QString& path) const {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-  }
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;

@@ -6,19 +6,13 @@
 #include <QTemporaryDir>
 
 #include "archive/Archive.h"
+#include "archive/TestFiles.h"
 #include "ingest/EmailStore.h"
 #include "ingest/RecordReader.h"
 #include "ingest/StoreLog.h"
 #include "platform/qt/QtFiles.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeProgress.h"
-
-#include <ostream>
-
-// Failures show the texts themselves.
-inline void PrintTo(const QString& text, std::ostream* out) {
-  *out << '"' << text.toStdString() << '"';
-}
 
 namespace quillery::ingest {
 
