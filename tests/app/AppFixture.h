@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/QuilleryController.h"
+#include "archive/TestFiles.h"
 #include "platform/qt/QtPasteboard.h"
 #include "platform/qt/QtSettings.h"
 #include "platform/qt/QtWorkspace.h"
@@ -41,11 +42,7 @@ class AppFixture : public ::testing::Test {
   void makeAccounts(const QStringList& names) const;
   // An archive file with these (date, subject[, category]) messages; a message with a
   // category (even "") has a tags row.
-  void makeArchive(const QString& path, const QList<QStringList>& messages) const;
-  static void writeFile(const QString& path, const QByteArray& bytes, bool executable = false);
-  // The rows of the email table in the archive file, as another program reads it; -1 when
-  // it can't be read.
-  static int emailCount(const QString& path);
+  static void makeArchive(const QString& path, const QList<QStringList>& messages);
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;

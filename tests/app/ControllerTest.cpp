@@ -104,59 +104,44 @@ TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {
   EXPECT_FALSE(app.ProgressPanel->indicator->isAnimating());
 }
 
-TEST_F(ControllerTest, AFileHandedOverBecomesTheSavedArchivePathWithoutBeingOpened) {
-  QuilleryController& app = start();
-  const QString other = dir.filePath(QStringLiteral("other archive.db"));
-  makeArchive(other, {{QStringLiteral("2021-05-01 08:00:00"), QStringLiteral("kept"),
-                       QStringLiteral("Work")}});
-
-  EXPECT_TRUE(app.applicationOpenFile(other));
-  EXPECT_EQ(app.dbPath(), other);
-  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), other);
-  // Saving reads the new archive's categories and closes it again; nothing is listed.
-  EXPECT_FALSE(app.archive.isOpen());
-  EXPECT_EQ(app.tagPanel->setCatButton->findText(QStringLiteral("Work")), 1);
-  EXPECT_TRUE(app.storePanel->listCountTextField->text().isEmpty());
-  EXPECT_EQ(app.storePanel->storeTableView->model()->rowCount(), 0);
-
-  // A path that names no file yet is taken as it is and not created.
-  const QString fresh = dir.filePath(QStringLiteral("not yet.db"));
-  app.applicationOpenFile(fresh);
-  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), fresh);
-  EXPECT_FALSE(QFileInfo::exists(fresh));
-}
-
-TEST_F(ControllerTest, NewAndOpenAskForTheArchivePathAndKeepItOnlyWhenChosen) {
+TEST_F(ControllerTest, TheArchivePathIsKeptWhenChosenOrHandedOverAndNothingIsCreated) {
   QuilleryController& app = start();
   const QString created = dir.filePath(QStringLiteral("new.db"));
   dialogs.setNextFileName(created);
   app.newDbPath();
   ASSERT_EQ(dialogs.savePanels.size(), 1);
-  EXPECT_TRUE(dialogs.savePanels.first().directory.isEmpty());
-  EXPECT_TRUE(dialogs.savePanels.first().fileName.isEmpty());
-  EXPECT_EQ(app.dbPath(), created);
+  EXPECT_EQ(dialogs.savePanels.first().directory + dialogs.savePanels.first().fileName, QString());
   EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), created);
   EXPECT_FALSE(QFileInfo::exists(created));
-
   app.newDbPath();   // cancelled
   app.openDbPath();  // cancelled
   EXPECT_EQ(app.dbPath(), created);
 
-  dialogs.setNextFileNames(
-      {dir.filePath(QStringLiteral("a.db")), dir.filePath(QStringLiteral("b.db"))});
+  const QString chosen = dir.filePath(QStringLiteral("b.db"));
+  dialogs.setNextFileNames({created, chosen});
   app.openDbPath();
   ASSERT_EQ(dialogs.openPanels.size(), 2);
   EXPECT_TRUE(dialogs.openPanels.last().filesOnly);
   EXPECT_FALSE(dialogs.openPanels.last().multipleSelection);
-  EXPECT_EQ(app.dbPath(), dir.filePath(QStringLiteral("b.db")));
-  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), dir.filePath(QStringLiteral("b.db")));
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), chosen);
   EXPECT_TRUE(dialogs.alerts.isEmpty());
+
+  // A file handed over: saving reads its categories and closes it again; nothing is listed.
+  const QString other = dir.filePath(QStringLiteral("other archive.db"));
+  makeArchive(other, {{"2021-05-01 08:00:00", "kept", "Work"}});
+  EXPECT_TRUE(app.applicationOpenFile(other));
+  EXPECT_EQ(app.dbPath(), other);
+  EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), other);
+  EXPECT_FALSE(app.archive.isOpen());
+  EXPECT_EQ(app.tagPanel->setCatButton->findText(QStringLiteral("Work")), 1);
+  EXPECT_TRUE(app.storePanel->listCountTextField->text().isEmpty());
+  EXPECT_EQ(app.storePanel->storeTableView->model()->rowCount(), 0);
 }
 
 TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesPreferencesAndWindowLayout) {
   QuilleryController& app = start();
   for (const char* suffix : {".tmp", ".raw", ".log", ".storelog"})
-    writeFile(defaultDbPath() + QLatin1String(suffix), "left by a run");
+    ASSERT_TRUE(test::writeFile(defaultDbPath() + QLatin1String(suffix), "left by a run"));
   app.prefPanel->htmlCheck->setChecked(false);
   app.msWindow->setGeometry(40, 50, 900, 600);
   app.msWindow->show();

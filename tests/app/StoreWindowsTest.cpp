@@ -16,6 +16,7 @@
 #include <memory>
 
 #include "AppFixture.h"
+#include "MailFixtures.h"
 #include "app/DatePopUp.h"
 #include "app/MainWindow.h"
 #include "app/Preferences.h"
@@ -32,13 +33,15 @@
 namespace quillery::app {
 namespace {
 
+using test::MailFixtures;
+
 class StoreWindowsTest : public AppFixture {
  protected:
   // A folder holding a stand-in for domail with this shell body.
   QString fakeTools(const QByteArray& body) {
     const QString tools = dir.filePath(QStringLiteral("tools"));
     QDir().mkpath(tools);
-    writeFile(tools + QStringLiteral("/domail"), "#!/bin/sh\n" + body, true);
+    EXPECT_TRUE(test::writeFile(tools + QStringLiteral("/domail"), "#!/bin/sh\n" + body, true));
     return tools;
   }
 
@@ -65,27 +68,11 @@ class StoreWindowsTest : public AppFixture {
     return values;
   }
 
-  static QByteArray mbox(const QStringList& subjects) {
-    QByteArray out;
-    for (int i = 0; i < subjects.size(); ++i) {
-      const QString time =
-          QStringLiteral("%1:%2:00").arg(10 + i / 60).arg(i % 60, 2, 10, QLatin1Char('0'));
-      out += QStringLiteral(
-                 "From sender%1@example.org Mon Jan  1 %3 2018\n"
-                 "From: Sender %1 <sender%1@example.org>\nTo: me@example.com\nSubject: %2\n"
-                 "Date: Mon, 1 Jan 2018 %3 +0000\nMessage-ID: <%1@example.org>\n\n"
-                 "Body of message %1.\n\n")
-                 .arg(QString::number(i), subjects.at(i), time)
-                 .toUtf8();
-    }
-    return out;
-  }
-
-  static QByteArray mbox(int messages) {
-    QStringList subjects;
-    for (int i = 0; i < messages; ++i)
-      subjects.append(QStringLiteral("message %1").arg(i));
-    return mbox(subjects);
+  // An mbox file of generated messages (see MailFixtures).
+  QString mbox(int messages) const {
+    const QString file = dir.filePath(QStringLiteral("mail.mbox"));
+    EXPECT_TRUE(test::MailFixtures::writeMbox(file, messages));
+    return file;
   }
 
   // Calls action from the event loop, between two messages, once the run has stored one.
@@ -106,90 +93,85 @@ class StoreWindowsTest : public AppFixture {
 };
 
 TEST_F(StoreWindowsTest, TheStoreDatePanelStartsOnTheNewestStoredDay) {
-  makeArchive(defaultDbPath(), {{QStringLiteral("2019-07-04 12:00:00"), QStringLiteral("old")},
-                                {QStringLiteral("2021-02-09 08:30:00"), QStringLiteral("new")}});
+  makeArchive(defaultDbPath(),
+              {{"2019-07-04 12:00:00", "old"}, {"2021-02-09 23:59:59", "newest, late in the day"}});
   settings->setValue(QStringLiteral("dbPath"), defaultDbPath());
   QuilleryController& app = start();
-  QTest::mouseClick(app.prefPanel->storeButton, Qt::LeftButton);
   StoreDatePanel* panel = app.storeDatePanel;
+  const auto shown = [panel] {
+    return QStringList{panel->beginStoreYr->title(), panel->beginStoreMo->title(),
+                       panel->beginStoreDa->title(), panel->endStoreYr->title()};
+  };
+  QTest::mouseClick(app.prefPanel->storeButton, Qt::LeftButton);
   EXPECT_TRUE(panel->isVisible());
-  EXPECT_EQ(panel->beginStoreYr->title(), QStringLiteral("2021"));
-  EXPECT_EQ(panel->beginStoreMo->title(), QStringLiteral("02"));
-  EXPECT_EQ(panel->beginStoreDa->title(), QStringLiteral("09"));
-  EXPECT_EQ(panel->endStoreYr->title(), QStringLiteral("All"));
+  EXPECT_EQ(shown(), (QStringList{"2021", "02", "09", "All"}));
   EXPECT_FALSE(app.archive.isOpen());
 
   // A year before the pop-up's first is added in its place; Cancel closes the panel.
   QTest::mouseClick(panel->cancelButton, Qt::LeftButton);
   EXPECT_FALSE(panel->isVisible());
   const QString old = dir.filePath(QStringLiteral("1985.db"));
-  makeArchive(old, {{QStringLiteral("1985-03-07 09:00:00"), QStringLiteral("ancient")}});
+  makeArchive(old, {{"1985-03-07 09:00:00", "ancient"}});
   app.applicationOpenFile(old);
   app.setStoreDate();
   EXPECT_EQ(panel->beginStoreYr->title(), QStringLiteral("1985"));
   EXPECT_EQ(panel->beginStoreYr->itemText(2), QStringLiteral("1990"));
 
-  // An empty archive leaves the dates alone; one that does not open shows no panel.
+  // An empty (or new) archive leaves the dates alone; one that does not open shows no panel
+  // and leaves no failure behind for the next action.
   panel->resetAll();
   panel->hide();
-  const QString empty = dir.filePath(QStringLiteral("empty.db"));
-  makeArchive(empty, {});
-  app.applicationOpenFile(empty);
+  app.applicationOpenFile(dir.filePath(QStringLiteral("new.db")));
   app.setStoreDate();
   EXPECT_TRUE(panel->isVisible());
-  EXPECT_EQ(panel->beginStoreYr->title(), QStringLiteral("All"));
+  EXPECT_EQ(shown(), (QStringList{"All", "All", "All", "All"}));
   panel->hide();
   const QString text = dir.filePath(QStringLiteral("notes.txt"));
-  writeFile(text, "these are not the droids you are looking for, nor an archive\n");
+  ASSERT_TRUE(
+      test::writeFile(text, "these are not the droids you are looking for, nor an archive\n"));
   app.applicationOpenFile(text);
   dialogs.alerts.clear();
   app.setStoreDate();
   EXPECT_FALSE(panel->isVisible());
   ASSERT_FALSE(dialogs.alerts.isEmpty());
   EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Open Failed"));
+  EXPECT_FALSE(app.archive.openFailed);
 }
 
 TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored) {
   if (!haveDomail())
     GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
   QuilleryController& app = start();
-  const QString file = dir.filePath(QStringLiteral("export.mbox"));
-  writeFile(file, mbox({QStringLiteral("banana split"), QStringLiteral("Apple pie"),
-                        QStringLiteral("cherry tart")}));
-
-  dialogs.setNextFileNames({file});
+  dialogs.setNextFileNames({mbox(4)});
   app.menuActions.value(QStringLiteral("openMbox"))->trigger();
   ASSERT_EQ(dialogs.openPanels.size(), 1);
   EXPECT_EQ(dialogs.openPanels.first().title, QStringLiteral("Import MBOX Files"));
-  EXPECT_TRUE(dialogs.openPanels.first().multipleSelection);
   ASSERT_TRUE(app.storeDatePanel->isVisible());
 
   ASSERT_TRUE(storeFromDatePanel(app));
   EXPECT_EQ(dialogs.alerts.first().title, QStringLiteral("Store Email in Database"));
   EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
-  EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("Parsed: 3\n")))
+  EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("Parsed: 4\n")))
       << dialogs.alerts.last().message.toStdString();
   EXPECT_FALSE(app.ProgressPanel->isVisible());
   EXPECT_FALSE(app.ProgressPanel->parseCancelButton->isVisible());
   EXPECT_EQ(app.storePanel->windowTitle(), QStringLiteral("done storing email in ") + app.dbPath());
   EXPECT_TRUE(app.msWindow->windowTitle().startsWith(app.storePanel->windowTitle()));
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("3 emails in this list."));
-  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("3 emails in the database."));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("4 emails in this list."));
+  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("4 emails in the database."));
   QTableView* table = app.storePanel->storeTableView;
-  EXPECT_EQ(table->verticalHeader()->defaultSectionSize(),
-            qCeil(QFontMetricsF(app.prefs.currentFont).lineSpacing()) + 2);
 
-  // The header sorts the list, ignoring case; a second click shows it reversed.
+  // The header sorts the list; a second click shows it reversed.
   auto& model = static_cast<search::EmailTableModel&>(*table->model());
   const int subject = model.columnOf(QStringLiteral("emailSubject"));
+  const QString m0 = MailFixtures::subject(0), m1 = MailFixtures::subject(1),
+                m2 = MailFixtures::subject(2), m3 = MailFixtures::subject(3);
   clickHeader(app, subject);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")),
-            (QStringList{"Apple pie", "banana split", "cherry tart"}));
+  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m3, m0, m1, m2}));
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorSection(), subject);
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorOrder(), Qt::AscendingOrder);
   clickHeader(app, subject);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")),
-            (QStringList{"cherry tart", "banana split", "Apple pie"}));
+  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m2, m1, m0, m3}));
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
 
   // Removing the selected rows of the reversed list touches the list only. Delete does it in
@@ -205,23 +187,23 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   ASSERT_TRUE(active(app.prefPanel));
   QTest::keyClick(app.prefPanel->selectAcctsTableView, Qt::Key_Delete);
   QTest::keyClick(app.prefPanel->selectAcctsTableView, Qt::Key_Delete, Qt::ControlModifier);
-  EXPECT_EQ(app.resultList().listCount, 3);
+  EXPECT_EQ(app.resultList().listCount, 4);
   EXPECT_EQ(dialogs.alerts.size(), alerts);
   app.prefPanel->hide();
   app.msWindow->activateWindow();
   ASSERT_TRUE(active(app.msWindow));
   QTest::keyClick(table, Qt::Key_Delete);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), QStringList{"banana split"});
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("1 emails in this list."));
-  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("3 emails in the database."));
+  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m1, m3}));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("2 emails in this list."));
+  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("4 emails in the database."));
 
-  // The search panel's attachments box holds for the next listing; a listing that fails
-  // leaves no "retrieving" title behind.
+  // The search panel's attachments box holds for the next listing (message 2 has one); a
+  // listing that fails leaves no "retrieving" title behind.
   app.retrievePanel->onlyAttachCheck->setChecked(true);
   app.archive.sqlText = QStringLiteral(
       "SELECT id,date_fld,from_fld,to_fld,subj_fld,mailbox,numAttach FROM email ORDER BY id");
   app.resultList().retrieve(app.dbPath());
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("0 emails in this list."));
+  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), QStringList{m2});
   app.archive.sqlText = QStringLiteral("SELECT id FROM nowhere");
   app.resultList().retrieve(app.dbPath());
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("SQL Error: ")));
@@ -250,15 +232,7 @@ TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheT
   app.storeDatePanel->endStoreYr->selectTitle(QStringLiteral("2022"));
   ASSERT_TRUE(storeFromDatePanel(app));
 
-  EXPECT_EQ(
-      dialogs.alerts.first().message,
-      QStringLiteral("Quillery will store and index the text and attachments of all emails "
-                     "in the In boxes and Sent boxes of your selected email accounts, plus "
-                     "all emails in all of your other mailboxes, into the database file at ") +
-          app.dbPath() + QLatin1Char('.'));
-  QFile arguments(tools + QStringLiteral("/arguments"));
-  ASSERT_TRUE(arguments.open(QIODevice::ReadOnly));
-  EXPECT_EQ(QString::fromUtf8(arguments.readAll()).split('\n', Qt::SkipEmptyParts),
+  EXPECT_EQ(test::readFile(tools + QStringLiteral("/arguments")).split('\n', Qt::SkipEmptyParts),
             (QStringList{app.dbPath() + QStringLiteral(".log"), "1", "1", "1", "0", "0", "1", "0",
                          "2020-03-01 00:00:00", "2022-99-99 00:00:00", "Work@imap.example.com",
                          "Mailboxes"}));
@@ -270,8 +244,7 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   const QString tools = fakeTools(
       "i=0\nwhile [ $i -lt 600 ]; do printf 'Looking for email'; sleep 0.1; i=$((i+1)); done\n");
   QuilleryController& app = start(tools);
-  const QString file = dir.filePath(QStringLiteral("any.mbox"));
-  writeFile(file, mbox({QStringLiteral("never read")}));
+  const QString file = mbox(1);
 
   dialogs.setNextFileNames({file});
   app.openMbox();
@@ -291,15 +264,13 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   ASSERT_TRUE(app.storeRun().isRunning());
   // Listing mailboxes would overwrite the run's record file; the chosen ones are shown.
   const QString record = app.dbPath() + QStringLiteral(".tmp");
-  writeFile(record, "FROM: the message being stored\n");
+  ASSERT_TRUE(test::writeFile(record, "FROM: the message being stored\n"));
   app.prefs.mailboxList = QStringList{QStringLiteral("/mail/Work/INBOX.mbox\n")};
   app.prefPanel->selectMboxButton->setCurrentIndex(1);
   app.preferences().selectMailboxes();
   EXPECT_EQ(app.mailSources.sourceList, app.prefs.mailboxList);
   EXPECT_EQ(app.prefPanel->selectedRows(), QList<int>{0});
-  QFile recordFile(record);
-  ASSERT_TRUE(recordFile.open(QIODevice::ReadOnly));
-  EXPECT_EQ(recordFile.readAll(), QByteArray("FROM: the message being stored\n"));
+  EXPECT_EQ(test::readFile(record), QStringLiteral("FROM: the message being stored\n"));
 
   // Another archive named meanwhile does not keep quitting from removing the run's files.
   const QString other = dir.filePath(QStringLiteral("other.db"));
@@ -314,8 +285,7 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   if (!haveDomail())
     GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
   QuilleryController& real = restart();
-  writeFile(file, mbox(100));
-  dialogs.setNextFileNames({file});
+  dialogs.setNextFileNames({mbox(100)});
   real.openMbox();
   int stored = 0;
   bool hasQuit = false;
@@ -327,19 +297,20 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   });
   QTest::mouseClick(real.storeDatePanel->storeButton, Qt::LeftButton);
   ASSERT_TRUE(QTest::qWaitFor([&hasQuit] { return hasQuit; }, 120000));
+  EXPECT_FALSE(real.archive.storeRunUnderWay);
   EXPECT_GE(stored, 1);
   EXPECT_LT(stored, 100);
-  EXPECT_EQ(emailCount(other), stored);
+  EXPECT_EQ(
+      test::rowsOf(other, "SELECT count(*), (SELECT * FROM pragma_integrity_check) FROM email"),
+      QStringList{QString::number(stored) + "|ok"});
 }
 
 TEST_F(StoreWindowsTest, SavingTheSetupOrNamingAnotherArchiveDuringARunLosesNothing) {
   if (!haveDomail())
     GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
   QuilleryController& app = start();
-  const QString file = dir.filePath(QStringLiteral("many.mbox"));
-  writeFile(file, mbox(40));
   const QString other = dir.filePath(QStringLiteral("other.db"));
-  dialogs.setNextFileNames({file});
+  dialogs.setNextFileNames({mbox(40)});
   app.openMbox();
   whenFirstStored(app, [&] {
     EXPECT_TRUE(app.storeRun().isRunning());
@@ -353,7 +324,7 @@ TEST_F(StoreWindowsTest, SavingTheSetupOrNamingAnotherArchiveDuringARunLosesNoth
   });
   ASSERT_TRUE(storeFromDatePanel(app));
 
-  EXPECT_EQ(emailCount(defaultDbPath()), 40);
+  EXPECT_EQ(test::rowsOf(defaultDbPath(), "SELECT count(*) FROM email"), QStringList{"40"});
   EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("40 emails in this list."));
   EXPECT_EQ(app.storePanel->windowTitle(),
             QStringLiteral("done storing email in ") + defaultDbPath());
