@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QSet>
 #include <QTemporaryDir>
 
+#include "archive/TestFiles.h"
 #include "ingest/MailSources.h"
 #include "support/FakeDialogs.h"
 #include "support/TestEnvironment.h"
@@ -20,10 +20,8 @@ class MailSourcesTest : public ::testing::Test {
   QString listFile() const { return dir.filePath(QStringLiteral("archive.tmp")); }
 
   void makeFolder(const QString& relative) const { QDir().mkpath(mail() + '/' + relative); }
-  void makeFile(const QString& path, const QByteArray& bytes) const {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
+  static void makeFile(const QString& path, const QByteArray& bytes, bool executable = false) {
+    ASSERT_TRUE(test::writeFile(path, bytes, executable));
   }
 
   // Two accounts with nested and plain mailboxes, the local Mailboxes folder, and the
@@ -52,30 +50,24 @@ class MailSourcesTest : public ::testing::Test {
 };
 
 TEST_F(MailSourcesTest, AccountsAreTheMailFoldersDirectoriesExceptTheMailClientsOwn) {
-  makeMailTree();
+  // No mail folder: an empty list, without complaint.
   MailSources list = sources();
+  list.sourceList = QStringList{QStringLiteral("left over")};
+  EXPECT_TRUE(list.listMailAccounts({QStringLiteral("Home")}).isEmpty());
+  EXPECT_TRUE(list.sourceList.isEmpty());
+
+  makeMailTree();
   const QList<int> rows =
       list.listMailAccounts({QStringLiteral("Home"), QStringLiteral("Gone@pop.example.com")});
-
-  const QSet<QString> shown(list.sourceList.cbegin(), list.sourceList.cend());
   // Mailbox and Mailboxes, Bundles and Signatures2 are the client's; a name shorter than seven
   // characters is always an account; a plain file never is.
-  EXPECT_EQ(shown,
+  EXPECT_EQ(QSet<QString>(list.sourceList.cbegin(), list.sourceList.cend()),
             (QSet<QString>{QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")}));
   ASSERT_EQ(rows.size(), 1);
   EXPECT_EQ(list.sourceList.at(rows.first()), QStringLiteral("Home"));
 
   // The rows chosen in the table come back in row order, whatever order they were picked in.
-  const QList<int> both{1, 0};
-  EXPECT_EQ(list.entriesAt(both), (QStringList{list.sourceList.at(0), list.sourceList.at(1)}));
-  EXPECT_TRUE(dialogs.alerts.isEmpty());
-}
-
-TEST_F(MailSourcesTest, NoMailFolderGivesAnEmptyListWithoutComplaint) {
-  MailSources list = sources();
-  list.sourceList = QStringList{QStringLiteral("left over")};
-  EXPECT_TRUE(list.listMailAccounts({QStringLiteral("Home")}).isEmpty());
-  EXPECT_TRUE(list.sourceList.isEmpty());
+  EXPECT_EQ(list.entriesAt({1, 0}), (QStringList{list.sourceList.at(0), list.sourceList.at(1)}));
   EXPECT_TRUE(dialogs.alerts.isEmpty());
 }
 
@@ -84,16 +76,15 @@ TEST_F(MailSourcesTest, MailboxesComeFromFindmailWithTheirLineEnds) {
     GTEST_SKIP() << "findmail is not built in " << test::toolsDir().toStdString();
   makeMailTree();
   MailSources list = sources();
-  const QString inbox = mail() + QStringLiteral("/Work@imap.example.com/INBOX.mbox\n");
   const QString archive = mail() + QStringLiteral("/Mailboxes/Archive.mbox\n");
   const QList<int> rows = list.listMailboxes({archive, QStringLiteral("/gone.mbox\n")}, listFile());
 
-  EXPECT_TRUE(list.sourceList.contains(inbox)) << list.sourceList.join(QString()).toStdString();
-  EXPECT_TRUE(list.sourceList.contains(archive));
-  EXPECT_TRUE(list.sourceList.contains(
-      mail() + QStringLiteral("/Work@imap.example.com/Projects.mbox/Old.mbox\n")));
-  EXPECT_TRUE(list.sourceList.contains(mail() + QStringLiteral("/Home/Sent Messages.mbox\n")));
-  EXPECT_EQ(list.sourceList.size(), 5);
+  QStringList sorted = list.sourceList;
+  sorted.sort();
+  EXPECT_EQ(sorted, (QStringList{mail() + "/Home/Sent Messages.mbox\n", archive,
+                                 mail() + "/Work@imap.example.com/INBOX.mbox\n",
+                                 mail() + "/Work@imap.example.com/Projects.mbox\n",
+                                 mail() + "/Work@imap.example.com/Projects.mbox/Old.mbox\n"}));
   ASSERT_EQ(rows.size(), 1);
   EXPECT_EQ(list.sourceList.at(rows.first()), archive);
   // The list stays for the store run's end (or the application's) to delete.
@@ -119,16 +110,13 @@ TEST_F(MailSourcesTest, ListLinesAreReadInPiecesOfAtMost2999BytesAndNonUtf8Lines
   makeFile(tool,
            "#!/bin/sh\n"
            "{ printf 'caf\\303\\251.mbox\\n'; printf 'bad \\377 line\\n';"
-           "  head -c 3500 /dev/zero | tr '\\0' x; printf '\\n'; printf 'last'; } > \"$1\"\n");
-  QFile::setPermissions(tool, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+           "  head -c 3500 /dev/zero | tr '\\0' x; printf '\\n'; printf 'last'; } > \"$1\"\n",
+           true);
 
   MailSources list = sources(tool);
   list.listMailboxes({}, listFile());
-  ASSERT_EQ(list.sourceList.size(), 4) << list.sourceList.join('|').left(200).toStdString();
-  EXPECT_EQ(list.sourceList.at(0), QStringLiteral("café.mbox\n"));
-  EXPECT_EQ(list.sourceList.at(1), QString(2999, QLatin1Char('x')));
-  EXPECT_EQ(list.sourceList.at(2), QString(501, QLatin1Char('x')) + QLatin1Char('\n'));
-  EXPECT_EQ(list.sourceList.at(3), QStringLiteral("last"));
+  EXPECT_EQ(list.sourceList,
+            (QStringList{"café.mbox\n", QString(2999, 'x'), QString(501, 'x') + '\n', "last"}));
 }
 
 }  // namespace

@@ -20,12 +20,9 @@ TEST_F(RecordReaderTest, OneMessageIsStoredFieldByFieldAndCounted) {
   // of that marker goes with it.
   EXPECT_EQ(value("SELECT body_fld FROM email"), "First line\nsecond ENDOFBODY: line");
   const int id = number("SELECT id FROM email");
-  EXPECT_EQ(message.lastStoredId, id);
-  EXPECT_EQ(counters.lowestStoredId, id);
-  EXPECT_EQ(counters.highestStoredId, id);
-  EXPECT_EQ(counters.processedCount, 1);
-  EXPECT_EQ(counters.storedCount, 1);
-  EXPECT_EQ(listCount, 1);
+  EXPECT_EQ((QList<int>{message.lastStoredId, counters.lowestStoredId, counters.highestStoredId,
+                        counters.processedCount, counters.storedCount, listCount}),
+            (QList<int>{id, id, id, 1, 1, 1}));
 
   // Every tenth "FROM:" line redraws the progress count.
   for (int i = 2; i <= 10; ++i)

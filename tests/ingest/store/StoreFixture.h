@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include "archive/Archive.h"
@@ -48,14 +47,9 @@ class StoreFixture : public ::testing::Test {
   int number(const QString& query) { return value(query).toInt(); }
 
   static void writeFile(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(bytes);
+    ASSERT_TRUE(test::writeFile(path, bytes));
   }
-  QString storeLogText() const {
-    QFile file(paths.storeLog);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-  }
+  QString storeLogText() const { return test::readFile(paths.storeLog); }
 
   // A record as the parser tool writes it, with these lines between the headers and the end.
   static QString record(const QString& subject, const QString& rest,
