@@ -8,12 +8,14 @@
 #include <QTemporaryDir>
 
 #include "MailFixtures.h"
+#include "archive/TestFiles.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::cli {
 namespace {
 
 using test::MailFixtures;
+using test::readFile;
 
 struct CliResult {
   int exitCode = -1;
@@ -52,18 +54,12 @@ class CliTest : public ::testing::Test {
     return path;
   }
 
-  static QString readFile(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-  }
-
   QTemporaryDir homeDir;
 };
 
 TEST_F(CliTest, StoringAnMboxPrintsTheSummaryAndListingCountsIt) {
   const QString archive = homeDir.filePath(QStringLiteral("mail.db"));
-  const CliResult stored = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
-                                QStringLiteral("--mbox"), mbox(20)});
+  const CliResult stored = cli({"store", "--archive", archive, "--mbox", mbox(20)});
   EXPECT_EQ(stored.exitCode, 0) << stored.err.toStdString();
   EXPECT_TRUE(stored.out.startsWith(QStringLiteral(
       "Parsed: 20\nProcessed: 20\nStored: 20\nDuplicates replaced: 0\nlast file parsed: ")))
@@ -72,12 +68,11 @@ TEST_F(CliTest, StoringAnMboxPrintsTheSummaryAndListingCountsIt) {
   EXPECT_EQ(readFile(archive + QStringLiteral(".storelog")), stored.out);
   EXPECT_EQ(stored.err, QString());  // no terminal, no alert: nothing on standard error
 
-  const CliResult again = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
-                               QStringLiteral("--mbox"), mbox(20), QStringLiteral("--no-source")});
+  const CliResult again = cli({"store", "--archive", archive, "--mbox", mbox(20), "--no-source"});
   EXPECT_EQ(again.exitCode, 0);
   EXPECT_TRUE(again.out.contains(QStringLiteral("\nStored: 20\nDuplicates replaced: 20\n")));
 
-  const CliResult listed = cli({QStringLiteral("list"), QStringLiteral("--archive"), archive});
+  const CliResult listed = cli({"list", "--archive", archive});
   EXPECT_EQ(listed.exitCode, 0) << listed.err.toStdString();
   EXPECT_TRUE(listed.out.startsWith(
       QStringLiteral("20 emails in the database.\n20 emails in this list.\nListed in ")))
@@ -87,7 +82,7 @@ TEST_F(CliTest, StoringAnMboxPrintsTheSummaryAndListingCountsIt) {
 TEST_F(CliTest, TheArchiveDefaultsToTheSavedPathElseTheDesktop) {
   const QString mail = mbox(3);
   // No Desktop folder: the archive cannot be made there, and the alert says why.
-  const CliResult failed = cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail});
+  const CliResult failed = cli({"store", "--mbox", mail});
   EXPECT_EQ(failed.exitCode, 1);
   EXPECT_TRUE(failed.err.startsWith(QStringLiteral("SQL Error: ") + home() +
                                     QStringLiteral("/Desktop/myemaildb ")))
@@ -95,46 +90,37 @@ TEST_F(CliTest, TheArchiveDefaultsToTheSavedPathElseTheDesktop) {
   EXPECT_EQ(failed.out, QString());
 
   ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Desktop")));
-  EXPECT_EQ(cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail}).exitCode, 0);
+  EXPECT_EQ(cli({"store", "--mbox", mail}).exitCode, 0);
   EXPECT_TRUE(QFile::exists(home() + QStringLiteral("/Desktop/myemaildb")));
 
   // The window's saved archive path wins over the default.
   const QString saved = homeDir.filePath(QStringLiteral("saved.db"));
   ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral(".config/Quillery")));
-  QFile settings(home() + QStringLiteral("/.config/Quillery/Quillery.conf"));
-  ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
-  settings.write("[General]\ndbPath=" + saved.toUtf8() + "\n");
-  settings.close();
-  EXPECT_EQ(cli({QStringLiteral("store"), QStringLiteral("--mbox"), mail}).exitCode, 0);
+  ASSERT_TRUE(test::writeFile(home() + QStringLiteral("/.config/Quillery/Quillery.conf"),
+                              "[General]\ndbPath=" + saved.toUtf8() + "\n"));
+  EXPECT_EQ(cli({"store", "--mbox", mail}).exitCode, 0);
   EXPECT_TRUE(QFile::exists(saved));
 }
 
-TEST_F(CliTest, AnArchiveThatCannotBeOpenedFailsWithTheAlertText) {
+TEST_F(CliTest, AnArchiveThatCannotBeOpenedOrAMissingToolFailsWithoutTouchingAnything) {
   const QString text = homeDir.filePath(QStringLiteral("notes.txt"));
-  QFile file(text);
-  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-  file.write("These are my notes, not an archive of mail at all.\n");
-  file.close();
-  for (const QString& command : {QStringLiteral("store"), QStringLiteral("list")}) {
-    QStringList arguments{command, QStringLiteral("--archive"), text};
-    if (command == QLatin1String("store"))
-      arguments << QStringLiteral("--mbox") << mbox(1);
+  const QByteArray notes = "These are my notes, not an archive of mail at all.\n";
+  ASSERT_TRUE(test::writeFile(text, notes));
+  for (const QStringList& arguments :
+       {QStringList{"store", "--archive", text, "--mbox", mbox(1)}, {"list", "--archive", text}}) {
     const CliResult result = cli(arguments);
-    EXPECT_EQ(result.exitCode, 1) << command.toStdString();
+    EXPECT_EQ(result.exitCode, 1) << arguments.first().toStdString();
     EXPECT_TRUE(result.err.contains(QStringLiteral("not a valid database file.")))
         << result.err.toStdString();
     EXPECT_EQ(result.out, QString());
   }
-  EXPECT_EQ(readFile(text), QStringLiteral("These are my notes, not an archive of mail at all.\n"));
-}
+  EXPECT_EQ(readFile(text), QString::fromUtf8(notes));
 
-TEST_F(CliTest, WithoutTheParserToolBesideItNothingIsStarted) {
+  // Without the parser tool beside it nothing is started.
   const QString lonely = homeDir.filePath(QStringLiteral("quillery-cli"));
   ASSERT_TRUE(QFile::copy(test::toolPath(QStringLiteral("quillery-cli")), lonely));
   const QString archive = homeDir.filePath(QStringLiteral("never.db"));
-  const CliResult result = cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
-                                QStringLiteral("--mbox"), mbox(1)},
-                               lonely);
+  const CliResult result = cli({"store", "--archive", archive, "--mbox", mbox(1)}, lonely);
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_EQ(result.err, QStringLiteral("quillery-cli: the parser tool is missing: ") +
                             homeDir.filePath(QStringLiteral("domail")) + QLatin1Char('\n'));
@@ -148,17 +134,14 @@ TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
   };
   const Row rows[] = {
       {{}, "no command given"},
-      {{QStringLiteral("fetch")}, "unknown command 'fetch'"},
-      {{QStringLiteral("store")}, "store needs --mbox, --accounts or --mailboxes"},
-      {{QStringLiteral("store"), QStringLiteral("--mbox")}, "--mbox needs at least one value"},
-      {{QStringLiteral("store"), QStringLiteral("--mbox"), QStringLiteral("a"),
-        QStringLiteral("--accounts"), QStringLiteral("b")},
-       "give only one of"},
-      {{QStringLiteral("store"), QStringLiteral("--accounts"), QStringLiteral("a"),
-        QStringLiteral("--begin"), QStringLiteral("2021-02-30")},
+      {{"fetch"}, "unknown command 'fetch'"},
+      {{"store"}, "store needs --mbox, --accounts or --mailboxes"},
+      {{"store", "--mbox"}, "--mbox needs at least one value"},
+      {{"store", "--mbox", "a", "--accounts", "b"}, "give only one of"},
+      {{"store", "--accounts", "a", "--begin", "2021-02-30"},
        "--begin wants a day as YYYY-MM-DD, not '2021-02-30'"},
-      {{QStringLiteral("store"), QStringLiteral("--archive")}, "--archive needs a value"},
-      {{QStringLiteral("list"), QStringLiteral("--trash")}, "unknown option '--trash' for list"},
+      {{"store", "--archive"}, "--archive needs a value"},
+      {{"list", "--trash"}, "unknown option '--trash' for list"},
   };
   for (const Row& row : rows) {
     const CliResult result = cli(row.arguments);
@@ -169,7 +152,7 @@ TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
 }
 
 TEST_F(CliTest, HelpDocumentsEveryOption) {
-  const CliResult help = cli({QStringLiteral("--help")});
+  const CliResult help = cli({"--help"});
   EXPECT_EQ(help.exitCode, 0);
   for (const char* option : {"store", "list", "--archive", "--mbox", "--accounts", "--mailboxes",
                              "--begin", "--end", "--no-attachments", "--no-html", "--trash",
@@ -180,8 +163,7 @@ TEST_F(CliTest, HelpDocumentsEveryOption) {
 TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
   const QString archive = homeDir.filePath(QStringLiteral("lines.db"));
   const CliResult result =
-      cli({QStringLiteral("store"), QStringLiteral("--archive"), archive, QStringLiteral("--mbox"),
-           mbox(2000), QStringLiteral("--progress-lines")});
+      cli({"store", "--archive", archive, "--mbox", mbox(2000), "--progress-lines"});
   EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
   const QStringList lines = result.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
   QStringList storing;
@@ -197,12 +179,11 @@ TEST_F(CliTest, AnAppleMailAccountUnderHomeIsStored) {
   if (corpus.isEmpty())
     GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";
   ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Library")));
-  ASSERT_TRUE(QFile::link(corpus + QStringLiteral("/emlx/Mail"),
-                          home() + QStringLiteral("/Library/Mail")));
+  ASSERT_TRUE(
+      QFile::link(corpus + QStringLiteral("/emlx/Mail"), home() + QStringLiteral("/Library/Mail")));
   const QString archive = homeDir.filePath(QStringLiteral("apple.db"));
   const CliResult result =
-      cli({QStringLiteral("store"), QStringLiteral("--archive"), archive,
-           QStringLiteral("--accounts"), QStringLiteral("POP-sample@pop.example.com")});
+      cli({"store", "--archive", archive, "--accounts", "POP-sample@pop.example.com"});
   EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
   EXPECT_TRUE(result.out.startsWith(QStringLiteral("Parsed: 3\nProcessed: 3\nStored: 3\n")))
       << result.out.toStdString();
