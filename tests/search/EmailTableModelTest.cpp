@@ -1,6 +1,7 @@
 // The table model over the result list, checked by Qt's own model tester through retrieval,
 // sorting and removal.
 #include <QAbstractItemModelTester>
+#include <QSignalSpy>
 
 #include "ResultListFixture.h"
 #include "search/EmailTableModel.h"
@@ -26,13 +27,23 @@ TEST_F(EmailTableModelTest, TheTableShowsTheListInDisplayOrderThroughEveryChange
   EXPECT_EQ(model.data(model.index(29, 0)), "Subject 29");
   EXPECT_EQ(model.data(model.index(29, 1)), 2);
 
+  // Removing rows of the reversed list takes out those shown; a row given twice or past the
+  // end is no error. The counts follow, the ids of the listing stay, the font is set again.
   list.clickColumn("emailDate");
   list.clickColumn("emailDate");
   EXPECT_EQ(model.data(model.index(0, 2)), "2020-01-01 00:00:29");
-  list.deleteFromList({0, 1, 28});
+  QSignalSpy font(&list, &ResultList::fontReapplied);
+  list.deleteFromList({28, 0, 1, 0, 99});
   ASSERT_EQ(model.rowCount(), 27);
   EXPECT_EQ(model.data(model.index(0, 0)), "Subject 27");
   EXPECT_EQ(model.data(model.index(26, 0)), "Subject 0");
+  EXPECT_EQ(list.listCountText() + list.dbCountText(),
+            "27 emails in this list.30 emails in the database.");
+  EXPECT_EQ(archive.idList.size(), 30);
+  EXPECT_EQ(font.size(), 1);
+  list.clickColumn("emailDate");  // shown ascending again
+  list.deleteFromList({0});
+  EXPECT_EQ(model.data(model.index(0, 0)), "Subject 2");
 
   // A store run counts the messages it reads before any of them is listed.
   list.clear();
