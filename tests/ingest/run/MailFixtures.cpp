@@ -24,35 +24,29 @@ QString MailFixtures::subject(int i) {
 QByteArray MailFixtures::message(int i) {
   const QDateTime date =
       QDateTime(QDate(2018, 1, 1), QTime(10, 0), QTimeZone::utc()).addSecs(60LL * i);
-  QByteArray subjectHeader = subject(i).toUtf8();
-  if (i % 7 == 3)
-    subjectHeader = "=?UTF-8?B?" + subject(i).toUtf8().toBase64() + "?=";
-  QByteArray head;
-  head += "From sender" + QByteArray::number(i) + "@example.com " +
-          date.toString(QStringLiteral("ddd MMM d hh:mm:ss yyyy")).toLatin1() + "\n";
-  head += "From: Sender " + QByteArray::number(i) + " <sender" + QByteArray::number(i) +
-          "@example.com>\n";
-  head += "To: Archive Owner <owner@example.org>\n";
-  head += "Subject: " + subjectHeader + "\n";
-  head += "Date: " + date.toString(Qt::RFC2822Date).toLatin1() + "\n";
-  head += "Message-ID: <gen" + QByteArray::number(i) + "@fixtures.example>\n";
-  head += "MIME-Version: 1.0\n";
-  const QByteArray text = "Hello number " + QByteArray::number(i) + ".\nPath C:\\temp\\" +
-                          QByteArray::number(i) + "\nRegards\n";
-  if (i % 5 != 2) {
+  const QByteArray n = QByteArray::number(i);
+  const QByteArray subjectHeader =
+      i % 7 == 3 ? "=?UTF-8?B?" + subject(i).toUtf8().toBase64() + "?=" : subject(i).toUtf8();
+  const QByteArray head =
+      "From sender" + n + "@example.com " +
+      date.toString(QStringLiteral("ddd MMM d hh:mm:ss yyyy")).toLatin1() + "\nFrom: Sender " + n +
+      " <sender" + n +
+      "@example.com>\nTo: Archive Owner <owner@example.org>\nSubject: " + subjectHeader +
+      "\nDate: " + date.toString(Qt::RFC2822Date).toLatin1() + "\nMessage-ID: <gen" + n +
+      "@fixtures.example>\nMIME-Version: 1.0\n";
+  const QByteArray text = "Hello number " + n + ".\nPath C:\\temp\\" + n + "\nRegards\n";
+  if (i % 5 != 2)
     return head + "Content-Type: text/plain; charset=utf-8\n\n" + text + "\n";
-  }
-  QByteArray body =
-      "Content-Type: multipart/mixed; boundary=\"b" + QByteArray::number(i) + "\"\n\n--b" +
-      QByteArray::number(i) + "\nContent-Type: text/plain; charset=utf-8\n\n" + text + "\n--b" +
-      QByteArray::number(i) + "\nContent-Type: application/octet-stream; name=\"file" +
-      QByteArray::number(i) + ".bin\"\nContent-Transfer-Encoding: base64\n" +
-      "Content-Disposition: attachment; filename=\"file" + QByteArray::number(i) + ".bin\"\n\n";
+  QByteArray body = "Content-Type: multipart/mixed; boundary=\"b" + n + "\"\n\n--b" + n +
+                    "\nContent-Type: text/plain; charset=utf-8\n\n" + text + "\n--b" + n +
+                    "\nContent-Type: application/octet-stream; name=\"file" + n +
+                    ".bin\"\nContent-Transfer-Encoding: base64\nContent-Disposition: attachment; "
+                    "filename=\"file" +
+                    n + ".bin\"\n\n";
   const QByteArray encoded = attachmentBytes(i).toBase64();
   for (qsizetype at = 0; at < encoded.size(); at += 76)
     body += encoded.mid(at, 76) + "\n";
-  body += "--b" + QByteArray::number(i) + "--\n\n";
-  return head + body;
+  return head + body + "--b" + n + "--\n\n";
 }
 
 bool MailFixtures::writeMbox(const QString& path, int count) {

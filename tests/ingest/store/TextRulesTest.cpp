@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QList>
+#include <initializer_list>
 
 #include "ingest/LinePieces.h"
 #include "ingest/SqlText.h"
@@ -11,22 +12,24 @@
 namespace quillery::ingest {
 namespace {
 
-TEST(SqlTextTest, EscapingDoublesBackslashesFirstThenQuotes) {
-  const struct {
-    const char* name;
-    QString in;
-    QString out;
-  } rows[] = {
-      {"windows path", "C:\\temp", "C:\\\\temp"},
-      {"quotes", "say \"hi\"", "say \"\"hi\"\""},
-      {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
-      {"nothing to do", "plain 'single'", "plain 'single'"},
-  };
-  for (const auto& row : rows) {
+// Named cases of a rule that rewrites a text in place.
+struct Row {
+  const char* name;
+  QString in, out;
+};
+void expectRows(void (*rule)(QString&), std::initializer_list<Row> rows) {
+  for (const Row& row : rows) {
     QString text = row.in;
-    SqlText::escapeSqlText(text);
+    rule(text);
     EXPECT_EQ(text, row.out) << row.name;
   }
+}
+
+TEST(SqlTextTest, EscapingDoublesBackslashesFirstThenQuotes) {
+  expectRows(SqlText::escapeSqlText, {{"windows path", "C:\\temp", "C:\\\\temp"},
+                                      {"quotes", "say \"hi\"", "say \"\"hi\"\""},
+                                      {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
+                                      {"nothing to do", "plain 'single'", "plain 'single'"}});
 }
 
 TEST(SqlTextTest, StripPlistCutsFromTheXmlNearTheMarker) {
@@ -35,23 +38,15 @@ TEST(SqlTextTest, StripPlistCutsFromTheXmlNearTheMarker) {
       "Computer//DTD PLIST 1.0//EN\">\n<plist/>\n");
   const QString message = QStringLiteral("Subject: s\n\nbody\n");
   const QString early = QStringLiteral("Subject: <?xml in the text\n") + QString(150, 'x') + '\n';
-  const struct {
-    const char* name;
-    QString in;
-    QString out;
-  } rows[] = {
-      {"trailer after a message", message + QString(100, 'y') + plist, message + QString(100, 'y')},
-      {"xml earlier than 100 before the marker is text", early + plist, early},
-      {"no marker", message + "<?xml?>", message + "<?xml?>"},
-      {"marker within the first 100 characters", plist, plist},
-      {"xml found at the very start", "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST",
-       "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST"},
-  };
-  for (const auto& row : rows) {
-    QString text = row.in;
-    SqlText::stripPlist(text);
-    EXPECT_EQ(text, row.out) << row.name;
-  }
+  expectRows(
+      SqlText::stripPlist,
+      {{"trailer after a message", message + QString(100, 'y') + plist,
+        message + QString(100, 'y')},
+       {"xml earlier than 100 before the marker is text", early + plist, early},
+       {"no marker", message + "<?xml?>", message + "<?xml?>"},
+       {"marker within the first 100 characters", plist, plist},
+       {"xml found at the very start", "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST",
+        "<?xml" + QString(95, ' ') + "Apple Computer//DTD PLIST"}});
 }
 
 TEST(LinePiecesTest, LongLinesArriveInPiecesAndEachDecodesOnItsOwn) {
