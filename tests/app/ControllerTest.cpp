@@ -28,8 +28,7 @@ TEST_F(ControllerTest, StartUpMakesAPrivateTemporaryFolderPerRun) {
   const QString first = start().tempDir;
   const QString second = restart().tempDir;
   EXPECT_TRUE(first.startsWith(QDir::tempPath() + QStringLiteral("/quillery_")));
-  EXPECT_TRUE(QFileInfo(first).isDir());
-  EXPECT_TRUE(QFileInfo(second).isDir());
+  EXPECT_TRUE(QFileInfo(first).isDir() && QFileInfo(second).isDir());
   EXPECT_NE(first, second);
   QDir(first).removeRecursively();
   QDir(second).removeRecursively();
@@ -84,24 +83,19 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
 
 TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {
   QuilleryController& app = start();
+  ProgressPanel* panel = app.ProgressPanel;
   app.doProgressPanel(QStringLiteral("Retrieving..."));
-  EXPECT_TRUE(app.ProgressPanel->isVisible());
-  EXPECT_EQ(app.ProgressPanel->windowTitle(), QStringLiteral("Retrieving..."));
-  EXPECT_TRUE(app.ProgressPanel->indicator->isAnimating());
-
-  app.doProgressCount(0, 10);
-  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("0"));
-  app.doProgressCount(15, 10);
-  app.doProgressCount(9, 10);
-  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("0"));
-  app.doProgressCount(30, 10);
-  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("30"));
-  app.doProgressCount(31, 1);
-  EXPECT_EQ(app.ProgressPanel->progressTextField->text(), QStringLiteral("31"));
-
-  app.ProgressPanel->close();
-  EXPECT_FALSE(app.ProgressPanel->isVisible());
-  EXPECT_FALSE(app.ProgressPanel->indicator->isAnimating());
+  EXPECT_TRUE(panel->isVisible() && panel->indicator->isAnimating());
+  EXPECT_EQ(panel->windowTitle(), QStringLiteral("Retrieving..."));
+  QStringList shown;
+  const int countAndStep[][2] = {{0, 10}, {15, 10}, {9, 10}, {30, 10}, {31, 1}};
+  for (const auto& c : countAndStep) {
+    app.doProgressCount(c[0], c[1]);
+    shown.append(panel->progressTextField->text());
+  }
+  EXPECT_EQ(shown, (QStringList{"0", "0", "0", "30", "31"}));
+  panel->close();
+  EXPECT_FALSE(panel->isVisible() || panel->indicator->isAnimating());
 }
 
 TEST_F(ControllerTest, TheArchivePathIsKeptWhenChosenOrHandedOverAndNothingIsCreated) {
