@@ -152,14 +152,16 @@ TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
   chosen.setPointSizeF(13.5);
   app.changeFont(chosen);
   app.savePreferences();
-  EXPECT_TRUE(settingsText().contains(QStringLiteral("family=DejaVu Sans")))
-      << settingsText().toStdString();
-  EXPECT_TRUE(settingsText().contains(QStringLiteral("face=Bold")));
+  const QString text = settingsText();
+  EXPECT_TRUE(text.contains("family=DejaVu Sans") && text.contains("face=Bold"))
+      << text.toStdString();
 
+  // The font as a later run reads it, and the list's rows sized to it.
+  const auto described = [](const QFont& font) {
+    return QStringLiteral("%1|%2|%3").arg(font.family(), font.styleName()).arg(font.pointSizeF());
+  };
   QuilleryController& later = restart();
-  EXPECT_EQ(later.prefs.currentFont.family(), family);
-  EXPECT_EQ(later.prefs.currentFont.styleName(), QStringLiteral("Bold"));
-  EXPECT_EQ(later.prefs.currentFont.pointSizeF(), 13.5);
+  EXPECT_EQ(described(later.prefs.currentFont), QStringLiteral("DejaVu Sans|Bold|13.5"));
   QTableView* table = later.storePanel->storeTableView;
   EXPECT_EQ(table->font().family(), family);
   EXPECT_EQ(table->verticalHeader()->defaultSectionSize(),
@@ -167,17 +169,14 @@ TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
 
   // A font that is no longer installed gives the default.
   quit();
-  settings->setValue(QStringLiteral("panelFont"),
-                     QVariantMap{{QStringLiteral("family"), QStringLiteral("No Such Font Family")},
-                                 {QStringLiteral("face"), QStringLiteral("Regular")},
-                                 {QStringLiteral("size"), 12.0}});
-  const QFont fallback = start().prefs.currentFont;
-  EXPECT_EQ(fallback.family(), QStringLiteral("Lucida Grande"));
-  EXPECT_EQ(fallback.pointSizeF(), 10.0);
+  settings->setValue(
+      QStringLiteral("panelFont"),
+      QVariantMap{{"family", "No Such Font Family"}, {"face", "Regular"}, {"size", 12.0}});
+  EXPECT_EQ(described(start().prefs.currentFont), QStringLiteral("Lucida Grande||10"));
 }
 
 TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {
-  makeAccounts({QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")});
+  makeAccounts({"Work@imap.example.com", "Home"});
   QuilleryController& app = start();
   const QStringList accounts = app.prefs.accountList;
   ASSERT_EQ(accounts.size(), 2);
@@ -186,8 +185,7 @@ TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {
   app.preferences().selectMailboxes();
   EXPECT_EQ(app.prefPanel->setupTitleTextField->text(),
             QStringLiteral("Select OS X Mail Mailboxes:"));
-  EXPECT_FALSE(app.prefPanel->allmbCheck->isEnabled());
-  EXPECT_FALSE(app.prefPanel->trashCheck->isEnabled());
+  EXPECT_FALSE(app.prefPanel->allmbCheck->isEnabled() || app.prefPanel->trashCheck->isEnabled());
   ASSERT_EQ(app.mailSources.sourceList.size(), 2) << "findmail lists both INBOXes";
   EXPECT_TRUE(app.mailSources.sourceList.first().endsWith(QStringLiteral("INBOX.mbox\n")));
   app.prefPanel->showSources(app.mailSources.sourceList, {1});
@@ -211,8 +209,8 @@ TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {
   settings->setValue(QStringLiteral("allmbState"), 1);
   QuilleryController& later = start();
   EXPECT_EQ(later.prefs.allmbState, 1);
-  EXPECT_FALSE(later.prefPanel->allmbCheck->isChecked());
-  EXPECT_FALSE(later.prefPanel->allmbCheck->isEnabled());
+  EXPECT_FALSE(later.prefPanel->allmbCheck->isChecked() ||
+               later.prefPanel->allmbCheck->isEnabled());
   ASSERT_EQ(later.prefPanel->selectedRows().size(), 1);
   EXPECT_EQ(later.mailSources.sourceList.at(later.prefPanel->selectedRows().first()), mailbox);
 }

@@ -42,7 +42,7 @@ TEST_F(EmailStoreTest, ASecondCopyReplacesTheFirstAndKeepsItsTags) {
   // Backslashes are stored doubled and double quotes single, and the copy is still found.
   EXPECT_EQ(value("SELECT group_concat(subj_fld) FROM email WHERE subj_fld LIKE 'Say%'"),
             "Say \"cheese\" \\\\o/");
-  EXPECT_EQ(value(QStringLiteral("SELECT cat_fld||'|'||key_fld||'|'||priority_fld||'|'||notes_fld"
+  EXPECT_EQ(value(QStringLiteral("SELECT cat_fld, key_fld, priority_fld, notes_fld"
                                  " FROM tags WHERE id=%1")
                       .arg(second)),
             "Work|alpha|2|keep me");
@@ -58,14 +58,14 @@ TEST_F(EmailStoreTest, ASecondCopyReplacesTheFirstAndKeepsItsTags) {
   reader.storeInDB(record(subject, "TAGCAT:Record\nTAGPRIORITY:4\nBODY:b\nENDOFBODY:\n"));
   sql("DELETE FROM tags");
   reader.storeInDB(record(subject, "TAGCAT:Record\nTAGPRIORITY:4\nBODY:b\nENDOFBODY:\n"));
-  EXPECT_EQ(value("SELECT cat_fld||'|'||priority_fld||'|'||notes_fld FROM tags"), "Record|4|");
+  EXPECT_EQ(value("SELECT cat_fld, priority_fld, notes_fld FROM tags"), "Record|4|");
   EXPECT_EQ(counters.duplicateCount, 3);
 }
 
 TEST_F(EmailStoreTest, AFailingInsertIsLoggedOnceAndRetriedWithAnEmptySubject) {
   failInsertsWhen("email", "NEW.subj_fld LIKE '%poison%'");
   reader.storeInDB(record("poison \"pill\"", "BODY:kept\nENDOFBODY:\n"));
-  EXPECT_EQ(value("SELECT subj_fld||'|'||body_fld FROM email"), "|kept");
+  EXPECT_EQ(value("SELECT subj_fld, body_fld FROM email"), "|kept");
   EXPECT_EQ(storeLogText(), QStringLiteral("SQL error for this email: 19  2020-03-04 05:06:07::"
                                            "Ann <ann@example.com>::bob@example.com::"
                                            "poison \"\"pill\"\"::Box\n\n"));

@@ -32,17 +32,12 @@ class StoreFixture : public ::testing::Test {
     const archive::ExecResult result = archive.exec(statement);
     ASSERT_TRUE(result.ok()) << result.error.toStdString();
   }
-  // The first column of the last row, "" when there is none.
-  QString value(const QString& query) {
-    QString out;
-    archive.exec(
-        query,
-        [](void* context, int, char** values, char**) {
-          *static_cast<QString*>(context) = values[0] ? QString::fromUtf8(values[0]) : QString();
-          return 0;
-        },
-        &out);
-    return out;
+  // The rows of a query, its columns joined by '|', read on a connection of the test's own;
+  // value() is the last row, "" when there is none.
+  QStringList rows(const QString& query) const { return test::rowsOf(paths.dbPath, query); }
+  QString value(const QString& query) const {
+    const QStringList all = rows(query);
+    return all.isEmpty() ? QString() : all.last();
   }
   int number(const QString& query) { return value(query).toInt(); }
 
