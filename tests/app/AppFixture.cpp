@@ -46,11 +46,6 @@ QVariant AppFixture::storedValue(const QString& key) const {
   return file.value(key);
 }
 
-QString AppFixture::settingsText() const {
-  settings->sync();
-  return test::readFile(settingsPath());
-}
-
 void AppFixture::makeAccounts(const QStringList& names) const {
   for (const QString& name : names)
     QDir().mkpath(mailFolder() + '/' + name + QStringLiteral("/INBOX.mbox/Messages"));

@@ -34,9 +34,8 @@ class AppFixture : public ::testing::Test {
   // so a test can change the file before the next start().
   void quit();
   QuilleryController& restart(const QString& toolsDir = QString());
-  // The settings file as another program would read it.
+  // A value of the settings file as another program would read it.
   QVariant storedValue(const QString& key) const;
-  QString settingsText() const;
 
   // Folders under the mail folder, each with an INBOX mailbox.
   void makeAccounts(const QStringList& names) const;

@@ -51,11 +51,11 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
       "saveOrigAll",    "printSelected",  "printAll",       "terminate"};
   for (const QString& name : everyAction)
     EXPECT_TRUE(app.menuActions.contains(name)) << name.toStdString();
-  EXPECT_EQ(app.mySaveOrigSelected->text(), QStringLiteral("this original email"));
-  EXPECT_EQ(app.mySaveOrigAll->text(), QStringLiteral("all original email in list"));
-  EXPECT_EQ(app.menuActions.value("openMbox")->text(), QStringLiteral("Import MBOX Files…"));
-  EXPECT_EQ(app.menuActions.value("convertDBFormat")->text(),
-            QStringLiteral("Convert Database to New Format"));
+  EXPECT_EQ((QStringList{app.mySaveOrigSelected->text(), app.mySaveOrigAll->text(),
+                         app.menuActions.value("openMbox")->text(),
+                         app.menuActions.value("convertDBFormat")->text()}),
+            (QStringList{"this original email", "all original email in list", "Import MBOX Files…",
+                         "Convert Database to New Format"}));
   EXPECT_EQ(app.menuActions.value("openDbPath")->shortcut(), QKeySequence(QKeySequence::Open));
 
   // Sources are kept after a first run: every item is enabled.

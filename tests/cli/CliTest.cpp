@@ -127,7 +127,7 @@ TEST_F(CliTest, AnArchiveThatCannotBeOpenedOrAMissingToolFailsWithoutTouchingAny
   EXPECT_FALSE(QFile::exists(archive));
 }
 
-TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
+TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrongAndHelpDocumentsEveryOption) {
   struct Row {
     QStringList arguments;
     const char* says;
@@ -149,9 +149,6 @@ TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrong) {
     EXPECT_TRUE(result.err.contains(QString::fromUtf8(row.says))) << result.err.toStdString();
     EXPECT_TRUE(result.err.contains(QStringLiteral("Try 'quillery-cli --help'.")));
   }
-}
-
-TEST_F(CliTest, HelpDocumentsEveryOption) {
   const CliResult help = cli({"--help"});
   EXPECT_EQ(help.exitCode, 0);
   for (const char* option : {"store", "list", "--archive", "--mbox", "--accounts", "--mailboxes",

@@ -15,6 +15,11 @@ using test::MailFixtures;
 
 class StoreRunEndToEndTest : public StoreRunFixture {
  protected:
+  void SetUp() override {
+    StoreRunFixture::SetUp();
+    ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))))
+        << "the parser tool is part of the build";
+  }
   QString generatedMbox(int messages) {
     const QString path = dir.filePath(QStringLiteral("generated.mbox"));
     EXPECT_TRUE(MailFixtures::writeMbox(path, messages));
@@ -26,8 +31,6 @@ class StoreRunEndToEndTest : public StoreRunFixture {
 };
 
 TEST_F(StoreRunEndToEndTest, GeneratedMailIsStoredFieldByField) {
-  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))))
-      << "the parser tool is part of the build";
   const QString summary = storeMbox({generatedMbox(60)});
 
   EXPECT_EQ(summary, QStringLiteral("Parsed: 60\nProcessed: 60\nStored: 60\nDuplicates "
@@ -64,7 +67,6 @@ TEST_F(StoreRunEndToEndTest, GeneratedMailIsStoredFieldByField) {
 }
 
 TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
-  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
   constexpr int kMessages = 300;
   progress.atCount = QStringLiteral("50");
   progress.action = [this] { run->cancelParse(); };
@@ -94,7 +96,6 @@ TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
 // user may also choose actions that would reopen the archive. None of it may mix messages up
 // or lose what the run stored.
 TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhole) {
-  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
   constexpr int kMessages = 25;
   const QString mbox = generatedMbox(kMessages);
   storeMbox({mbox});
@@ -140,7 +141,6 @@ TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhol
 }
 
 TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {
-  ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("domail"))));
   const QString corpus = test::corpusDir();
   if (corpus.isEmpty())
     GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";

@@ -41,10 +41,6 @@ class MailSourcesTest : public ::testing::Test {
     return MailSources(dialogs, home(), tool);
   }
 
-  bool findmailBuilt() const {
-    return QFileInfo(test::toolPath(QStringLiteral("findmail"))).isExecutable();
-  }
-
   QTemporaryDir dir;
   test::FakeDialogs dialogs;
 };
@@ -72,7 +68,7 @@ TEST_F(MailSourcesTest, AccountsAreTheMailFoldersDirectoriesExceptTheMailClients
 }
 
 TEST_F(MailSourcesTest, MailboxesComeFromFindmailWithTheirLineEnds) {
-  if (!findmailBuilt())
+  if (!QFileInfo(test::toolPath(QStringLiteral("findmail"))).isExecutable())
     GTEST_SKIP() << "findmail is not built in " << test::toolsDir().toStdString();
   makeMailTree();
   MailSources list = sources();
