@@ -24,16 +24,6 @@ namespace {
 
 using ControllerTest = AppFixture;
 
-TEST_F(ControllerTest, StartUpMakesAPrivateTemporaryFolderPerRun) {
-  const QString first = start().tempDir;
-  const QString second = restart().tempDir;
-  EXPECT_TRUE(first.startsWith(QDir::tempPath() + QStringLiteral("/quillery_")));
-  EXPECT_TRUE(QFileInfo(first).isDir() && QFileInfo(second).isDir());
-  EXPECT_NE(first, second);
-  QDir(first).removeRecursively();
-  QDir(second).removeRecursively();
-}
-
 TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwitch) {
   QuilleryController& app = start();
   QStringList menus;
@@ -75,7 +65,7 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
   // An action of a later version says so; the preferences item opens the panel.
   app.menuActions.value("exportMbox")->trigger();
   ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_EQ(dialogs.alerts.first().title, QStringLiteral("Not Yet Available"));
+  EXPECT_EQ(dialogs.alerts.first().title, "Not Yet Available");
   EXPECT_EQ(dialogs.alerts.first().style, platform::AlertStyle::Informational);
   app.menuActions.value("doPrefPanel")->trigger();
   EXPECT_TRUE(app.prefPanel->isVisible());
@@ -86,7 +76,7 @@ TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {
   ProgressPanel* panel = app.ProgressPanel;
   app.doProgressPanel(QStringLiteral("Retrieving..."));
   EXPECT_TRUE(panel->isVisible() && panel->indicator->isAnimating());
-  EXPECT_EQ(panel->windowTitle(), QStringLiteral("Retrieving..."));
+  EXPECT_EQ(panel->windowTitle(), "Retrieving...");
   QStringList shown;
   const int countAndStep[][2] = {{0, 10}, {15, 10}, {9, 10}, {30, 10}, {31, 1}};
   for (const auto& c : countAndStep) {
@@ -132,8 +122,9 @@ TEST_F(ControllerTest, TheArchivePathIsKeptWhenChosenOrHandedOverAndNothingIsCre
   EXPECT_EQ(app.storePanel->storeTableView->model()->rowCount(), 0);
 }
 
-TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesPreferencesAndWindowLayout) {
+TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesTheLayoutAndEachRunHasItsOwnFolder) {
   QuilleryController& app = start();
+  const QString firstTemp = app.tempDir;
   for (const char* suffix : {".tmp", ".raw", ".log", ".storelog"})
     ASSERT_TRUE(test::writeFile(defaultDbPath() + QLatin1String(suffix), "left by a run"));
   app.prefPanel->htmlCheck->setChecked(false);
@@ -154,6 +145,13 @@ TEST_F(ControllerTest, QuittingDeletesTheRunFilesAndSavesPreferencesAndWindowLay
   EXPECT_EQ(storedValue(QStringLiteral("htmlState")).toInt(), 0);
   EXPECT_EQ(later.msWindow->size(), QSize(900, 600));
   EXPECT_EQ(later.storePanel->storeTableView->horizontalHeader()->sectionSize(4), 333);
+
+  // Every run makes a private temporary folder of its own.
+  EXPECT_TRUE(firstTemp.startsWith(QDir::tempPath() + QStringLiteral("/quillery_")));
+  EXPECT_TRUE(QFileInfo(firstTemp).isDir() && QFileInfo(later.tempDir).isDir());
+  EXPECT_NE(firstTemp, later.tempDir);
+  QDir(firstTemp).removeRecursively();
+  QDir(later.tempDir).removeRecursively();
 }
 
 }  // namespace

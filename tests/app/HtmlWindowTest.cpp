@@ -67,16 +67,16 @@ TEST_F(HtmlWindowTest, TheHtmlWindowShowsPagesWithoutScriptsOrRemoteRequests) {
   EXPECT_EQ(view, window.myHtmlWebView());
   ASSERT_TRUE(load(view, [&] { window.showFile(page()); }));
   EXPECT_TRUE(window.isVisible());
-  EXPECT_EQ(view->title(), QStringLiteral("as written"));
+  EXPECT_EQ(view->title(), "as written");
   ASSERT_TRUE(load(view, [&] { view->setHtml(html); }));
-  EXPECT_EQ(view->title(), QStringLiteral("as written"));
+  EXPECT_EQ(view->title(), "as written");
   EXPECT_EQ(connections, 0);
 
   // The control: the same page reaches the server from a view with default settings.
   QWebEngineView ordinary;
   ASSERT_TRUE(load(&ordinary, [&] { ordinary.setHtml(html); }));
   EXPECT_GT(connections, 0);
-  EXPECT_EQ(ordinary.title(), QStringLiteral("script ran"));
+  EXPECT_EQ(ordinary.title(), "script ran");
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ TEST_F(PreferencesTest, FirstRunChoosesEveryAccountAndStoresTheDefaultsAtOnce) {
   for (const char* key :
        {"attachState", "htmlState", "origState", "allmbState", "trashState", "mailboxesState"})
     switches += storedValue(QLatin1String(key)).toString();
-  EXPECT_EQ(switches, QStringLiteral("111000"));
+  EXPECT_EQ(switches, "111000");
   EXPECT_EQ(storedValue(QStringLiteral("panelFont/family")).toString(),
             QStringLiteral("Lucida Grande"));
   EXPECT_EQ(storedValue(QStringLiteral("panelFont/size")).toDouble(), 10.0);
@@ -58,7 +58,7 @@ TEST_F(PreferencesTest, FirstRunChoosesEveryAccountAndStoresTheDefaultsAtOnce) {
   settings->setValue(QStringLiteral("backupPath"), QStringLiteral("/backups/mail.bak"));
   QuilleryController& later = start();
   EXPECT_EQ(later.prefs.accountList, QStringList{"Home"});
-  EXPECT_EQ(later.prefs.backupPath, QStringLiteral("/backups/mail.bak"));
+  EXPECT_EQ(later.prefs.backupPath, "/backups/mail.bak");
   EXPECT_EQ(later.prefPanel->selectedRows().size(), 1);
   EXPECT_TRUE(later.prefPanel->origCheck->isChecked());
 
@@ -161,7 +161,7 @@ TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
     return QStringLiteral("%1|%2|%3").arg(font.family(), font.styleName()).arg(font.pointSizeF());
   };
   QuilleryController& later = restart();
-  EXPECT_EQ(described(later.prefs.currentFont), QStringLiteral("DejaVu Sans|Bold|13.5"));
+  EXPECT_EQ(described(later.prefs.currentFont), "DejaVu Sans|Bold|13.5");
   QTableView* table = later.storePanel->storeTableView;
   EXPECT_EQ(table->font().family(), family);
   EXPECT_EQ(table->verticalHeader()->defaultSectionSize(),
@@ -172,7 +172,7 @@ TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
   settings->setValue(
       QStringLiteral("panelFont"),
       QVariantMap{{"family", "No Such Font Family"}, {"face", "Regular"}, {"size", 12.0}});
-  EXPECT_EQ(described(start().prefs.currentFont), QStringLiteral("Lucida Grande||10"));
+  EXPECT_EQ(described(start().prefs.currentFont), "Lucida Grande||10");
 }
 
 TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {

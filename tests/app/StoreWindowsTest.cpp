@@ -114,8 +114,8 @@ TEST_F(StoreWindowsTest, TheStoreDatePanelStartsOnTheNewestStoredDay) {
   makeArchive(old, {{"1985-03-07 09:00:00", "ancient"}});
   app.applicationOpenFile(old);
   app.setStoreDate();
-  EXPECT_EQ(panel->beginStoreYr->title(), QStringLiteral("1985"));
-  EXPECT_EQ(panel->beginStoreYr->itemText(2), QStringLiteral("1990"));
+  EXPECT_EQ(panel->beginStoreYr->title(), "1985");
+  EXPECT_EQ(panel->beginStoreYr->itemText(2), "1990");
 
   // An empty (or new) archive leaves the dates alone; one that does not open shows no panel
   // and leaves no failure behind for the next action.
@@ -134,7 +134,7 @@ TEST_F(StoreWindowsTest, TheStoreDatePanelStartsOnTheNewestStoredDay) {
   app.setStoreDate();
   EXPECT_FALSE(panel->isVisible());
   ASSERT_FALSE(dialogs.alerts.isEmpty());
-  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Open Failed"));
+  EXPECT_EQ(dialogs.alerts.last().title, "Open Failed");
   EXPECT_FALSE(app.archive.openFailed);
 }
 
@@ -145,20 +145,20 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   dialogs.setNextFileNames({mbox(4)});
   app.menuActions.value(QStringLiteral("openMbox"))->trigger();
   ASSERT_EQ(dialogs.openPanels.size(), 1);
-  EXPECT_EQ(dialogs.openPanels.first().title, QStringLiteral("Import MBOX Files"));
+  EXPECT_EQ(dialogs.openPanels.first().title, "Import MBOX Files");
   ASSERT_TRUE(app.storeDatePanel->isVisible());
 
   ASSERT_TRUE(storeFromDatePanel(app));
-  EXPECT_EQ(dialogs.alerts.first().title, QStringLiteral("Store Email in Database"));
-  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
+  EXPECT_EQ(dialogs.alerts.first().title, "Store Email in Database");
+  EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("Parsed: 4\n")))
       << dialogs.alerts.last().message.toStdString();
   EXPECT_FALSE(app.ProgressPanel->isVisible());
   EXPECT_FALSE(app.ProgressPanel->parseCancelButton->isVisible());
   EXPECT_EQ(app.storePanel->windowTitle(), QStringLiteral("done storing email in ") + app.dbPath());
   EXPECT_TRUE(app.msWindow->windowTitle().startsWith(app.storePanel->windowTitle()));
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("4 emails in this list."));
-  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("4 emails in the database."));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), "4 emails in this list.");
+  EXPECT_EQ(app.storePanel->dbCountTextField->text(), "4 emails in the database.");
   QTableView* table = app.storePanel->storeTableView;
 
   // The header sorts the list; a second click shows it reversed.
@@ -194,8 +194,8 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   ASSERT_TRUE(active(app.msWindow));
   QTest::keyClick(table, Qt::Key_Delete);
   EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m1, m3}));
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("2 emails in this list."));
-  EXPECT_EQ(app.storePanel->dbCountTextField->text(), QStringLiteral("4 emails in the database."));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), "2 emails in this list.");
+  EXPECT_EQ(app.storePanel->dbCountTextField->text(), "4 emails in the database.");
 
   // The search panel's attachments box holds for the next listing (message 2 has one); a
   // listing that fails leaves no "retrieving" title behind.
@@ -207,7 +207,7 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   app.archive.sqlText = QStringLiteral("SELECT id FROM nowhere");
   app.resultList().retrieve(app.dbPath());
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("SQL Error: ")));
-  EXPECT_EQ(app.msWindow->windowTitle(), QStringLiteral("Quillery"));
+  EXPECT_EQ(app.msWindow->windowTitle(), "Quillery");
 }
 
 TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheTool) {
@@ -237,7 +237,7 @@ TEST_F(StoreWindowsTest, TheStoreButtonHandsThePreferencesDatesAndAccountsToTheT
                          "2020-03-01 00:00:00", "2022-99-99 00:00:00", "Work@imap.example.com",
                          "Mailboxes"}));
   // Nothing was stored: the list is empty and says so.
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("0 emails in this list."));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), "0 emails in this list.");
 }
 
 TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeepsWhatWasStored) {
@@ -256,7 +256,7 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   QTest::mouseClick(app.ProgressPanel->parseCancelButton, Qt::LeftButton);
   ASSERT_TRUE(finished.wait(30000)) << "the cancelled tool was not stopped";
   EXPECT_FALSE(app.storeRun().isRunning());
-  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
+  EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");
 
   dialogs.setNextFileNames({file});
   app.openMbox();
@@ -270,7 +270,7 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   app.preferences().selectMailboxes();
   EXPECT_EQ(app.mailSources.sourceList, app.prefs.mailboxList);
   EXPECT_EQ(app.prefPanel->selectedRows(), QList<int>{0});
-  EXPECT_EQ(test::readFile(record), QStringLiteral("FROM: the message being stored\n"));
+  EXPECT_EQ(test::readFile(record), "FROM: the message being stored\n");
 
   // Another archive named meanwhile does not keep quitting from removing the run's files.
   const QString other = dir.filePath(QStringLiteral("other.db"));
@@ -325,7 +325,7 @@ TEST_F(StoreWindowsTest, SavingTheSetupOrNamingAnotherArchiveDuringARunLosesNoth
   ASSERT_TRUE(storeFromDatePanel(app));
 
   EXPECT_EQ(test::rowsOf(defaultDbPath(), "SELECT count(*) FROM email"), QStringList{"40"});
-  EXPECT_EQ(app.storePanel->listCountTextField->text(), QStringLiteral("40 emails in this list."));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), "40 emails in this list.");
   EXPECT_EQ(app.storePanel->windowTitle(),
             QStringLiteral("done storing email in ") + defaultDbPath());
   EXPECT_FALSE(QFileInfo::exists(other));

@@ -4,7 +4,6 @@
 
 #include <QTemporaryDir>
 
-#include "archive/RowCallbacks.h"
 #include "archive/TestFiles.h"
 #include "support/FakeDialogs.h"
 #include "support/RecordingFiles.h"
@@ -33,11 +32,6 @@ class ArchiveTest : public ::testing::Test {
     EXPECT_EQ(archive.openFailed, !shown.isEmpty());
     return shown;
   }
-  QString value(const QString& sql) {
-    archive.sqlResult.clear();
-    archive.exec(sql, singleValueCallback, &archive);
-    return archive.sqlResult;
-  }
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;
@@ -63,8 +57,8 @@ TEST_F(ArchiveTest, ANewPathGetsTheFourTablesOfTheArchiveFormatAndIsStamped) {
           "varchar(127) NOT NULL,priority_fld INT DEFAULT 0,notes_fld BLOB NOT NULL)"}));
 
   ASSERT_EQ(files.requested.size(), 2);
-  EXPECT_EQ(files.requested[0].name, QStringLiteral("user.quillery.creator"));
-  EXPECT_EQ(files.requested[1].name, QStringLiteral("user.quillery.type"));
+  EXPECT_EQ(files.requested[0].name, "user.quillery.creator");
+  EXPECT_EQ(files.requested[1].name, "user.quillery.type");
   EXPECT_EQ(files.requested[0].value, files.requested[1].value);
   EXPECT_EQ(files.requested[0].path, file);
 }
@@ -83,13 +77,12 @@ TEST_F(ArchiveTest, OpeningAgainKeepsRowsMissingTablesAreAddedAndExecReportsErro
                                        "'2020-01-01 00:00:00','m','r','b')"))
                   .ok());
   archive.openDB(file);
-  EXPECT_EQ(value(QStringLiteral("SELECT count(*) FROM email")) +
-                value(QStringLiteral("SELECT count(*) FROM attachments")),
-            QStringLiteral("11"));
+  EXPECT_EQ(test::rowsOf(file, "SELECT count(*), (SELECT count(*) FROM attachments) FROM email"),
+            QStringList{"1|1"});
 
   const ExecResult bad = archive.exec(QStringLiteral("SELECT nope FROM email"));
   EXPECT_EQ(bad.code, SQLITE_ERROR);
-  EXPECT_EQ(bad.error, QStringLiteral("no such column: nope"));
+  EXPECT_EQ(bad.error, "no such column: nope");
   archive.close();
   archive.close();  // a second close must not touch the freed connection
   EXPECT_FALSE(archive.isOpen());
@@ -105,7 +98,7 @@ TEST_F(ArchiveTest, WhatIsNoArchiveIsRefusedWithItsAlertAndLeftAsItWas) {
   const QString text = path(QStringLiteral("notes.txt"));
   ASSERT_TRUE(test::writeFile(text, "These are my notes, not an archive.\n"));
   EXPECT_EQ(alertsOpening(text), QStringList{"Open Failed|This is not a valid database file."});
-  EXPECT_EQ(test::readFile(text), QStringLiteral("These are my notes, not an archive.\n"));
+  EXPECT_EQ(test::readFile(text), "These are my notes, not an archive.\n");
 
   // An archive from before the attachment count is refused before any table is added.
   const QString old = path(QStringLiteral("old.db"));

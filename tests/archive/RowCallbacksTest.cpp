@@ -36,12 +36,12 @@ TEST_F(RowCallbacksTest, ValueAndListCallbacksCollectRowsAsText) {
   archive.sqlResult = QStringLiteral("before");
   archive.exec(QStringLiteral("SELECT subj_fld FROM email ORDER BY id"), singleValueCallback,
                &archive);
-  EXPECT_EQ(archive.sqlResult, QStringLiteral("Re: Hi"));
+  EXPECT_EQ(archive.sqlResult, "Re: Hi");
   archive.exec(QStringLiteral("SELECT NULL"), singleValueCallback, &archive);
-  EXPECT_EQ(archive.sqlResult, QStringLiteral("0"));
+  EXPECT_EQ(archive.sqlResult, "0");
   archive.sqlResult = QStringLiteral("kept");
   archive.exec(QStringLiteral("SELECT id FROM email WHERE id=99"), singleValueCallback, &archive);
-  EXPECT_EQ(archive.sqlResult, QStringLiteral("kept"));
+  EXPECT_EQ(archive.sqlResult, "kept");
 
   archive.columnRowCount = 0;
   archive.exec(QStringLiteral("SELECT id,mailbox FROM email ORDER BY id"), columnListCallback,

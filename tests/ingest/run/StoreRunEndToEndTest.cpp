@@ -77,7 +77,7 @@ TEST_F(StoreRunEndToEndTest, CancellingHalfWayCommitsWhatWasStored) {
   EXPECT_LT(stored, kMessages);
   EXPECT_TRUE(summary.contains(QStringLiteral("\nStored: %1\n").arg(stored)))
       << summary.toStdString();
-  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), "ok");
   EXPECT_FALSE(run->isRunning());
   EXPECT_FALSE(archive.openFailed);
   for (const char* suffix : {".log", ".tmp", ".raw"})
@@ -134,7 +134,7 @@ TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhol
                          "Sender 22 <sender22@example.com>|file22.bin"}));
   // The run's end came after the last alert of its messages, not inside one.
   ASSERT_FALSE(dialogs.alerts.isEmpty());
-  EXPECT_EQ(dialogs.alerts.last().title, QStringLiteral("Done Storing Email"));
+  EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");
   ASSERT_EQ(dialogs.alerts.size(), 4);  // the confirmation, two failing tags rows, the end
   EXPECT_TRUE(dialogs.alerts[1].message.startsWith(QStringLiteral("SQL error: ")));
   EXPECT_TRUE(dialogs.openPanels.isEmpty());
@@ -163,7 +163,7 @@ TEST_F(StoreRunEndToEndTest, TheCorpusMboxFilesAreStoredWithoutSqlErrors) {
   EXPECT_GT(count(QStringLiteral("SELECT count(*) FROM email WHERE subj_fld LIKE '%Russia%' OR "
                                  "body_fld LIKE '%From Russia with love%'")),
             0);
-  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), QStringLiteral("ok"));
+  EXPECT_EQ(scalar(QStringLiteral("PRAGMA integrity_check")), "ok");
 }
 
 }  // namespace

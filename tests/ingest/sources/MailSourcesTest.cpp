@@ -60,7 +60,7 @@ TEST_F(MailSourcesTest, AccountsAreTheMailFoldersDirectoriesExceptTheMailClients
   EXPECT_EQ(QSet<QString>(list.sourceList.cbegin(), list.sourceList.cend()),
             (QSet<QString>{QStringLiteral("Work@imap.example.com"), QStringLiteral("Home")}));
   ASSERT_EQ(rows.size(), 1);
-  EXPECT_EQ(list.sourceList.at(rows.first()), QStringLiteral("Home"));
+  EXPECT_EQ(list.sourceList.at(rows.first()), "Home");
 
   // The rows chosen in the table come back in row order, whatever order they were picked in.
   EXPECT_EQ(list.entriesAt({1, 0}), (QStringList{list.sourceList.at(0), list.sourceList.at(1)}));
@@ -88,31 +88,29 @@ TEST_F(MailSourcesTest, MailboxesComeFromFindmailWithTheirLineEnds) {
   EXPECT_TRUE(dialogs.alerts.isEmpty());
 }
 
-TEST_F(MailSourcesTest, AMissingListIsReportedAndAnOldOneIsNotTakenForIt) {
+TEST_F(MailSourcesTest, ListLinesAreReadInPiecesAndAnOldListIsNotTakenForAMissingOne) {
+  // A stand-in for findmail that writes lines the real tool never would: pieces of at most
+  // 2,999 bytes, and a line that is not UTF-8 is skipped.
   makeMailTree();
-  makeFile(listFile(), "/stale/INBOX.mbox\n");
-  MailSources list = sources(dir.filePath(QStringLiteral("no-such-findmail")));
-  EXPECT_TRUE(list.listMailboxes({QStringLiteral("/stale/INBOX.mbox\n")}, listFile()).isEmpty());
-  EXPECT_TRUE(list.sourceList.isEmpty());
-  ASSERT_EQ(dialogs.alerts.size(), 1);
-  EXPECT_EQ(dialogs.alerts.first().style, platform::AlertStyle::Critical);
-  EXPECT_TRUE(dialogs.alerts.first().title.isEmpty());
-  EXPECT_EQ(dialogs.alerts.first().message, QStringLiteral("Couldn't open ") + listFile());
-}
-
-TEST_F(MailSourcesTest, ListLinesAreReadInPiecesOfAtMost2999BytesAndNonUtf8LinesSkipped) {
-  // A stand-in for findmail that writes lines the real tool never would.
   const QString tool = dir.filePath(QStringLiteral("fake-findmail"));
   makeFile(tool,
            "#!/bin/sh\n"
            "{ printf 'caf\\303\\251.mbox\\n'; printf 'bad \\377 line\\n';"
            "  head -c 3500 /dev/zero | tr '\\0' x; printf '\\n'; printf 'last'; } > \"$1\"\n",
            true);
-
   MailSources list = sources(tool);
   list.listMailboxes({}, listFile());
   EXPECT_EQ(list.sourceList,
             (QStringList{"café.mbox\n", QString(2999, 'x'), QString(501, 'x') + '\n', "last"}));
+
+  // Without findmail the list left from that run is not read again.
+  MailSources missing = sources(dir.filePath(QStringLiteral("no-such-findmail")));
+  EXPECT_TRUE(missing.listMailboxes({QStringLiteral("last")}, listFile()).isEmpty());
+  EXPECT_TRUE(missing.sourceList.isEmpty());
+  ASSERT_EQ(dialogs.alerts.size(), 1);
+  EXPECT_EQ(dialogs.alerts.first().style, platform::AlertStyle::Critical);
+  EXPECT_EQ(dialogs.alerts.first().title + '|' + dialogs.alerts.first().message,
+            "|Couldn't open " + listFile());
 }
 
 }  // namespace

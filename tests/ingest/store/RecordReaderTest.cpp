@@ -117,7 +117,7 @@ TEST_F(RecordReaderTest, TheMessageFileIsReadAsUtf8ElseLineByLineAsWindows1252) 
             "e\n" +
                 longLine + "\nENDOFBODY:\nENDOFEMAIL:\n");
   EXPECT_EQ(reader.doOneEmail(paths.messageFile), 1);
-  EXPECT_EQ(value("SELECT subj_fld FROM email"), QStringLiteral("Café € 5"));
+  EXPECT_EQ(value("SELECT subj_fld FROM email"), "Café € 5");
   EXPECT_EQ(value("SELECT body_fld FROM email"), QStringLiteral("Grüße\n") + longLine);
 }
 

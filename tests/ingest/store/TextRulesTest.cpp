@@ -67,7 +67,7 @@ TEST(LinePiecesTest, LongLinesArriveInPiecesAndEachDecodesOnItsOwn) {
                                   "e\nCaf\xe9\n"),
             QStringLiteral("Grüße\nCafé\n"));
   EXPECT_FALSE(LinePieces::strictUtf8("Caf\xe9").has_value());
-  EXPECT_EQ(LinePieces::strictUtf8("\xef\xbb\xbfok").value(), QStringLiteral("\ufeffok"));
+  EXPECT_EQ(LinePieces::strictUtf8("\xef\xbb\xbfok").value(), "\ufeffok");
   // Windows-1252 decodes every byte; those it leaves undefined become their C1 controls.
   EXPECT_EQ(Windows1252::toString("\x80\x81\x8d\x9f\xa0\xe9\xff"),
             QStringLiteral("€\u0081\u008dŸ\u00a0éÿ"));
