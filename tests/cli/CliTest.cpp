@@ -57,48 +57,40 @@ class CliTest : public ::testing::Test {
   QTemporaryDir homeDir;
 };
 
-TEST_F(CliTest, StoringAnMboxPrintsTheSummaryAndListingCountsIt) {
-  const QString archive = homeDir.filePath(QStringLiteral("mail.db"));
-  const CliResult stored = cli({"store", "--archive", archive, "--mbox", mbox(20)});
+TEST_F(CliTest, StoringIntoTheDefaultOrSavedArchivePrintsTheSummaryAndListingCountsIt) {
+  const QString desktopArchive = home() + QStringLiteral("/Desktop/myemaildb");
+  // No Desktop folder: the archive cannot be made there, and the alert says why.
+  const CliResult failed = cli({"store", "--mbox", mbox(20)});
+  EXPECT_EQ(failed.exitCode, 1);
+  EXPECT_TRUE(failed.err.startsWith("SQL Error: " + desktopArchive + ' '))
+      << failed.err.toStdString();
+  EXPECT_EQ(failed.out, QString());
+
+  ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Desktop")));
+  const CliResult stored = cli({"store", "--mbox", mbox(20)});
   EXPECT_EQ(stored.exitCode, 0) << stored.err.toStdString();
   EXPECT_TRUE(stored.out.startsWith(QStringLiteral(
       "Parsed: 20\nProcessed: 20\nStored: 20\nDuplicates replaced: 0\nlast file parsed: ")))
       << stored.out.toStdString();
   EXPECT_TRUE(stored.out.contains(MailFixtures::subject(19)));
-  EXPECT_EQ(readFile(archive + QStringLiteral(".storelog")), stored.out);
+  EXPECT_EQ(readFile(desktopArchive + QStringLiteral(".storelog")), stored.out);
   EXPECT_EQ(stored.err, QString());  // no terminal, no alert: nothing on standard error
 
-  const CliResult again = cli({"store", "--archive", archive, "--mbox", mbox(20), "--no-source"});
+  const CliResult again = cli({"store", "--mbox", mbox(20), "--no-source"});
   EXPECT_EQ(again.exitCode, 0);
   EXPECT_TRUE(again.out.contains(QStringLiteral("\nStored: 20\nDuplicates replaced: 20\n")));
-
-  const CliResult listed = cli({"list", "--archive", archive});
+  const CliResult listed = cli({"list"});
   EXPECT_EQ(listed.exitCode, 0) << listed.err.toStdString();
   EXPECT_TRUE(listed.out.startsWith(
       QStringLiteral("20 emails in the database.\n20 emails in this list.\nListed in ")))
       << listed.out.toStdString();
-}
-
-TEST_F(CliTest, TheArchiveDefaultsToTheSavedPathElseTheDesktop) {
-  const QString mail = mbox(3);
-  // No Desktop folder: the archive cannot be made there, and the alert says why.
-  const CliResult failed = cli({"store", "--mbox", mail});
-  EXPECT_EQ(failed.exitCode, 1);
-  EXPECT_TRUE(failed.err.startsWith(QStringLiteral("SQL Error: ") + home() +
-                                    QStringLiteral("/Desktop/myemaildb ")))
-      << failed.err.toStdString();
-  EXPECT_EQ(failed.out, QString());
-
-  ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Desktop")));
-  EXPECT_EQ(cli({"store", "--mbox", mail}).exitCode, 0);
-  EXPECT_TRUE(QFile::exists(home() + QStringLiteral("/Desktop/myemaildb")));
 
   // The window's saved archive path wins over the default.
   const QString saved = homeDir.filePath(QStringLiteral("saved.db"));
   ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral(".config/Quillery")));
   ASSERT_TRUE(test::writeFile(home() + QStringLiteral("/.config/Quillery/Quillery.conf"),
                               "[General]\ndbPath=" + saved.toUtf8() + "\n"));
-  EXPECT_EQ(cli({"store", "--mbox", mail}).exitCode, 0);
+  EXPECT_EQ(cli({"store", "--mbox", mbox(3)}).exitCode, 0);
   EXPECT_TRUE(QFile::exists(saved));
 }
 
