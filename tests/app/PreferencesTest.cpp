@@ -129,8 +129,7 @@ TEST_F(PreferencesTest, FewerThanTwoStoredCategoriesAreReadFromTheArchive) {
   app.savePreferences();
   app.savePreferences();
   EXPECT_EQ(itemsOf(app.retrievePanel->searchCatButton), search);
-  const QStringList stored = storedValue(QStringLiteral("categories")).toStringList();
-  EXPECT_EQ(stored.count(QStringLiteral("Work")), 1);
+  EXPECT_EQ(storedValue(QStringLiteral("categories")).toStringList().count("Work"), 1);
 
   // Two stored entries are taken as they are; the archive is not read.
   quit();

@@ -153,8 +153,7 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("Parsed: 4\n")))
       << dialogs.alerts.last().message.toStdString();
-  EXPECT_FALSE(app.ProgressPanel->isVisible());
-  EXPECT_FALSE(app.ProgressPanel->parseCancelButton->isVisible());
+  EXPECT_FALSE(app.ProgressPanel->isVisible() || app.ProgressPanel->parseCancelButton->isVisible());
   EXPECT_EQ(app.storePanel->windowTitle(), QStringLiteral("done storing email in ") + app.dbPath());
   EXPECT_TRUE(app.msWindow->windowTitle().startsWith(app.storePanel->windowTitle()));
   EXPECT_EQ(app.storePanel->listCountTextField->text(), "4 emails in this list.");
@@ -298,8 +297,7 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   QTest::mouseClick(real.storeDatePanel->storeButton, Qt::LeftButton);
   ASSERT_TRUE(QTest::qWaitFor([&hasQuit] { return hasQuit; }, 120000));
   EXPECT_FALSE(real.archive.storeRunUnderWay);
-  EXPECT_GE(stored, 1);
-  EXPECT_LT(stored, 100);
+  EXPECT_TRUE(stored >= 1 && stored < 100) << stored;
   EXPECT_EQ(
       test::rowsOf(other, "SELECT count(*), (SELECT * FROM pragma_integrity_check) FROM email"),
       QStringList{QString::number(stored) + "|ok"});

@@ -57,10 +57,10 @@ TEST_F(ArchiveTest, ANewPathGetsTheFourTablesOfTheArchiveFormatAndIsStamped) {
           "varchar(127) NOT NULL,priority_fld INT DEFAULT 0,notes_fld BLOB NOT NULL)"}));
 
   ASSERT_EQ(files.requested.size(), 2);
-  EXPECT_EQ(files.requested[0].name, "user.quillery.creator");
-  EXPECT_EQ(files.requested[1].name, "user.quillery.type");
+  EXPECT_EQ(
+      (QStringList{files.requested[0].name, files.requested[1].name, files.requested[0].path}),
+      (QStringList{"user.quillery.creator", "user.quillery.type", file}));
   EXPECT_EQ(files.requested[0].value, files.requested[1].value);
-  EXPECT_EQ(files.requested[0].path, file);
 }
 
 TEST_F(ArchiveTest, OpeningAgainKeepsRowsMissingTablesAreAddedAndExecReportsErrors) {
