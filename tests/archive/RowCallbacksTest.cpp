@@ -31,7 +31,7 @@ class RowCallbacksTest : public ::testing::Test {
   Archive archive{dialogs, files};
 };
 
-TEST_F(RowCallbacksTest, ValueAndListCallbacksCollectRowsAsText) {
+TEST_F(RowCallbacksTest, EachCallbackCollectsItsRowsAsText) {
   // The last row wins, NULL reads "0", and no row leaves the value as it was.
   archive.sqlResult = QStringLiteral("before");
   archive.exec(QStringLiteral("SELECT subj_fld FROM email ORDER BY id"), singleValueCallback,
@@ -53,9 +53,8 @@ TEST_F(RowCallbacksTest, ValueAndListCallbacksCollectRowsAsText) {
   archive.exec(QStringLiteral("SELECT id FROM email ORDER BY id DESC"), idListCallback, &ids);
   EXPECT_EQ(ids.idCount, 2);
   EXPECT_EQ(ids.idList, (QStringList{"2", "1"}));
-}
 
-TEST_F(RowCallbacksTest, RecordCallbacksReadTheirColumnsInOrder) {
+  // The record callbacks read their columns in order.
   EmailRecord r;
   archive.exec(QStringLiteral("SELECT date_fld,from_fld,to_fld,subj_fld,body_fld,mailbox,mailto,"
                               "numAttach FROM email WHERE id=1"),

@@ -176,9 +176,7 @@ TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswe
 
 TEST_F(StoreRunChecksTest, DatesAndSourcesShapeTheArguments) {
   useStandIn(0);
-  StoreDateRange range;
-  range.begin = {QStringLiteral("03"), QStringLiteral("All"), QStringLiteral("2019")};
-  range.end = {QStringLiteral("All"), QStringLiteral("15"), QStringLiteral("All")};
+  const StoreDateRange range{{"03", "All", "2019"}, {"All", "15", "All"}};
   StoreSwitches mailboxes = allOn();
   mailboxes.mailboxesState = true;
   runToEnd(
@@ -206,7 +204,8 @@ TEST_F(StoreRunChecksTest, DatesAndSourcesShapeTheArguments) {
   EXPECT_EQ(recordedArguments().at(7), "0");
 }
 
-TEST(StoreSummaryTest, TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByName) {
+TEST(StoreSummaryTest,
+     TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByNameAndNumbersReadLikeAtoi) {
   QTemporaryDir dir;
   const QString log = dir.filePath(QStringLiteral("run.log"));
   QString text = QStringLiteral("PARSED: 40\nnoise line\n");
@@ -234,13 +233,12 @@ TEST(StoreSummaryTest, TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByName)
   EXPECT_EQ(StoreSummary::compose(counters, QString(), paths),
             QStringLiteral("Parsed: 12\nProcessed: 12\nStored: 0\nDuplicates replaced: 0\n"
                            "last file parsed: \n"));
-}
 
-TEST(StoreSummaryTest, LeadingIntReadsLikeAtoi) {
+  // Counts and dates are read as atoi reads them.
   const std::pair<const char*, int> cases[] = {
       {"2021-11-05 10:00:00", 2021}, {" 123\n", 123}, {"-4x", -4}, {"abc", 0}, {"", 0}};
-  for (const auto& [text, value] : cases)
-    EXPECT_EQ(StoreSummary::leadingInt(QString::fromUtf8(text)), value) << text;
+  for (const auto& [digits, value] : cases)
+    EXPECT_EQ(StoreSummary::leadingInt(QString::fromUtf8(digits)), value) << digits;
 }
 
 }  // namespace
