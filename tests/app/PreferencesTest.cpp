@@ -42,9 +42,9 @@ TEST_F(PreferencesTest, FirstRunChoosesEveryAccountAndStoresTheDefaultsAtOnce) {
        {"attachState", "htmlState", "origState", "allmbState", "trashState", "mailboxesState"})
     switches += storedValue(QLatin1String(key)).toString();
   EXPECT_EQ(switches, "111000");
-  EXPECT_EQ(storedValue(QStringLiteral("panelFont/family")).toString(),
-            QStringLiteral("Lucida Grande"));
-  EXPECT_EQ(storedValue(QStringLiteral("panelFont/size")).toDouble(), 10.0);
+  EXPECT_EQ(
+      storedValue("panelFont/family").toString() + '|' + storedValue("panelFont/size").toString(),
+      "Lucida Grande|10");
   EXPECT_TRUE(app.prefPanel->attachCheck->isChecked());
   EXPECT_EQ(app.prefPanel->setupTitleTextField->text(),
             QStringLiteral("Select OS X Mail Accounts:"));

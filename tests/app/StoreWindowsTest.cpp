@@ -11,7 +11,6 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
-#include <QtMath>
 #include <functional>
 #include <memory>
 

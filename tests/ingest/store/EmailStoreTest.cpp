@@ -1,8 +1,6 @@
 // Storing one message: duplicates, escaping, the second attempt, the tags and raw source
 // rows, and the failures that the store log and the alerts report. Failures are made real
 // with triggers on the test archive and with a damaged archive file.
-#include <sqlite3.h>
-
 #include "StoreFixture.h"
 
 namespace quillery::ingest {
@@ -42,17 +40,15 @@ TEST_F(EmailStoreTest, ASecondCopyReplacesTheFirstAndKeepsItsTags) {
   // Backslashes are stored doubled and double quotes single, and the copy is still found.
   EXPECT_EQ(value("SELECT group_concat(subj_fld) FROM email WHERE subj_fld LIKE 'Say%'"),
             "Say \"cheese\" \\\\o/");
-  EXPECT_EQ(value(QStringLiteral("SELECT cat_fld, key_fld, priority_fld, notes_fld"
-                                 " FROM tags WHERE id=%1")
-                      .arg(second)),
-            "Work|alpha|2|keep me");
-  EXPECT_EQ(number("SELECT count(*) FROM tags"), 1);
-  EXPECT_EQ(value("SELECT group_concat(filename_fld) FROM attachments"), "a.txt");
-  EXPECT_EQ(value(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(second)),
-            "second source\n");
-  EXPECT_EQ(number(QStringLiteral("SELECT count(*) FROM origemail WHERE id=%1").arg(first)), 0);
-  EXPECT_EQ(counters.duplicateCount, 1);
-  EXPECT_EQ(counters.storedCount, 3);
+  const QString id = QString::number(second) + '|';
+  EXPECT_EQ(rows("SELECT id, cat_fld, key_fld, priority_fld, notes_fld FROM tags"),
+            QStringList{id + "Work|alpha|2|keep me"});
+  EXPECT_EQ(rows("SELECT id, filename_fld FROM attachments"), QStringList{id + "a.txt"});
+  EXPECT_EQ(rows(QStringLiteral("SELECT id, orig_fld FROM origemail WHERE id IN (%1,%2)")
+                     .arg(first)
+                     .arg(second)),
+            QStringList{id + "second source\n"});
+  EXPECT_EQ(QList<int>({counters.duplicateCount, counters.storedCount}), QList<int>({1, 3}));
 
   // Without tags on the earlier copy the record's own tags stay.
   reader.storeInDB(record(subject, "TAGCAT:Record\nTAGPRIORITY:4\nBODY:b\nENDOFBODY:\n"));
