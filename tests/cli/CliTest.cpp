@@ -154,9 +154,8 @@ TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
   const CliResult result =
       cli({"store", "--archive", archive, "--mbox", mbox(2000), "--progress-lines"});
   EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
-  const QStringList lines = result.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
   QStringList storing;
-  for (const QString& line : lines)
+  for (const QString& line : result.err.split(QLatin1Char('\n'), Qt::SkipEmptyParts))
     if (!line.startsWith(QLatin1String("Retrieving")))
       storing.append(line.section(QLatin1Char(' '), -2, -2));
   EXPECT_EQ(storing, (QStringList{QStringLiteral("1000"), QStringLiteral("2000")}))

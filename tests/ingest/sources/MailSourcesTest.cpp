@@ -19,7 +19,6 @@ class MailSourcesTest : public ::testing::Test {
   QString mail() const { return home() + QStringLiteral("/Library/Mail"); }
   QString listFile() const { return dir.filePath(QStringLiteral("archive.tmp")); }
 
-  void makeFolder(const QString& relative) const { QDir().mkpath(mail() + '/' + relative); }
   static void makeFile(const QString& path, const QByteArray& bytes, bool executable = false) {
     ASSERT_TRUE(test::writeFile(path, bytes, executable));
   }
@@ -27,13 +26,12 @@ class MailSourcesTest : public ::testing::Test {
   // Two accounts with nested and plain mailboxes, the local Mailboxes folder, and the
   // folders and files that are not accounts.
   void makeMailTree() const {
-    makeFolder(QStringLiteral("Work@imap.example.com/INBOX.mbox/Messages"));
-    makeFolder(QStringLiteral("Work@imap.example.com/Projects.mbox/Old.mbox/Messages"));
-    makeFolder(QStringLiteral("Home/Sent Messages.mbox/Messages"));
-    makeFolder(QStringLiteral("Mailboxes/Archive.mbox/Messages"));
-    makeFolder(QStringLiteral("Mailbox"));
-    makeFolder(QStringLiteral("Bundles"));
-    makeFolder(QStringLiteral("Signatures2"));
+    for (const char* folder :
+         {"Work@imap.example.com/INBOX.mbox/Messages",
+          "Work@imap.example.com/Projects.mbox/Old.mbox/Messages",
+          "Home/Sent Messages.mbox/Messages", "Mailboxes/Archive.mbox/Messages", "Mailbox",
+          "Bundles", "Signatures2"})
+      QDir().mkpath(mail() + '/' + QLatin1String(folder));
     makeFile(mail() + QStringLiteral("/Envelope Index"), "not a folder");
   }
 
