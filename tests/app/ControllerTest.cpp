@@ -104,8 +104,7 @@ TEST_F(ControllerTest, TheArchivePathIsKeptWhenChosenOrHandedOverAndNothingIsCre
   dialogs.setNextFileNames({created, chosen});
   app.openDbPath();
   ASSERT_EQ(dialogs.openPanels.size(), 2);
-  EXPECT_TRUE(dialogs.openPanels.last().filesOnly);
-  EXPECT_FALSE(dialogs.openPanels.last().multipleSelection);
+  EXPECT_TRUE(dialogs.openPanels.last().filesOnly && !dialogs.openPanels.last().multipleSelection);
   EXPECT_EQ(storedValue(QStringLiteral("dbPath")).toString(), chosen);
   EXPECT_TRUE(dialogs.alerts.isEmpty());
 
