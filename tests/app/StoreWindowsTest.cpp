@@ -58,12 +58,12 @@ class StoreWindowsTest : public AppFixture {
     QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, centre);
   }
 
-  QStringList column(QuilleryController& app, const QString& identifier) {
-    QAbstractItemModel* model = app.storePanel->storeTableView->model();
-    const int c = static_cast<search::EmailTableModel*>(model)->columnOf(identifier);
+  static QStringList subjects(QuilleryController& app) {
+    const auto* model =
+        static_cast<search::EmailTableModel*>(app.storePanel->storeTableView->model());
     QStringList values;
     for (int row = 0; row < model->rowCount(); ++row)
-      values.append(model->index(row, c).data().toString());
+      values.append(model->index(row, model->columnOf("emailSubject")).data().toString());
     return values;
   }
 
@@ -162,14 +162,13 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   // The header sorts the list; a second click shows it reversed.
   auto& model = static_cast<search::EmailTableModel&>(*table->model());
   const int subject = model.columnOf(QStringLiteral("emailSubject"));
-  const QString m0 = MailFixtures::subject(0), m1 = MailFixtures::subject(1),
-                m2 = MailFixtures::subject(2), m3 = MailFixtures::subject(3);
+  const auto m = &MailFixtures::subject;
   clickHeader(app, subject);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m3, m0, m1, m2}));
+  EXPECT_EQ(subjects(app), (QStringList{m(3), m(0), m(1), m(2)}));
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorSection(), subject);
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorOrder(), Qt::AscendingOrder);
   clickHeader(app, subject);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m2, m1, m0, m3}));
+  EXPECT_EQ(subjects(app), (QStringList{m(2), m(1), m(0), m(3)}));
   EXPECT_EQ(table->horizontalHeader()->sortIndicatorOrder(), Qt::DescendingOrder);
 
   // Removing the selected rows of the reversed list touches the list only. Delete does it in
@@ -191,7 +190,7 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   app.msWindow->activateWindow();
   ASSERT_TRUE(active(app.msWindow));
   QTest::keyClick(table, Qt::Key_Delete);
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), (QStringList{m1, m3}));
+  EXPECT_EQ(subjects(app), (QStringList{m(1), m(3)}));
   EXPECT_EQ(app.storePanel->listCountTextField->text(), "2 emails in this list.");
   EXPECT_EQ(app.storePanel->dbCountTextField->text(), "4 emails in the database.");
 
@@ -201,7 +200,7 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   app.archive.sqlText = QStringLiteral(
       "SELECT id,date_fld,from_fld,to_fld,subj_fld,mailbox,numAttach FROM email ORDER BY id");
   app.resultList().retrieve(app.dbPath());
-  EXPECT_EQ(column(app, QStringLiteral("emailSubject")), QStringList{m2});
+  EXPECT_EQ(subjects(app), QStringList{m(2)});
   app.archive.sqlText = QStringLiteral("SELECT id FROM nowhere");
   app.resultList().retrieve(app.dbPath());
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("SQL Error: ")));

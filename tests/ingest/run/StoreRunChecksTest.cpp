@@ -136,7 +136,7 @@ TEST_F(StoreRunChecksTest, TheConfirmationNamesWhatWillBeStored) {
   }
 }
 
-TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswer) {
+TEST_F(StoreRunChecksTest, TheToolGetsItsArgumentsAndEveryAnnouncementAnAnswer) {
   useStandIn(7);
   QSignalSpy titles(run.get(), &StoreRun::storePanelTitleChanged);
   const QString mbox = dir.filePath(QStringLiteral("in.mbox"));
@@ -172,10 +172,8 @@ TEST_F(StoreRunChecksTest, TheToolGetsTheArgumentListAndEveryAnnouncementAnAnswe
   for (const char* event :
        {"title:Processing attachment or HTML...", "item:/mail/file1\nSubject 1", "controls:0"})
     EXPECT_TRUE(progress.events.contains(QString::fromUtf8(event))) << event;
-}
 
-TEST_F(StoreRunChecksTest, DatesAndSourcesShapeTheArguments) {
-  useStandIn(0);
+  // Dates and sources shape the arguments.
   const StoreDateRange range{{"03", "All", "2019"}, {"All", "15", "All"}};
   StoreSwitches mailboxes = allOn();
   mailboxes.mailboxesState = true;
