@@ -15,6 +15,14 @@ std::string SourceFixtures::message(int i, const std::string& body) {
          "\nDate: Mon, 1 Jan 2018 10:00:00 +0000\n\n" + body;
 }
 
+std::vector<std::string> SourceFixtures::messages(const std::vector<int>& numbers) {
+  std::vector<std::string> out;
+  for (const int i : numbers) {
+    out.push_back(message(i));
+  }
+  return out;
+}
+
 std::string SourceFixtures::emlx(const std::string& message, long count, bool oldTrailer,
                                  std::time_t dateSent, std::time_t received) {
   std::string countText = std::to_string(count < 0 ? static_cast<long>(message.size()) : count);
@@ -90,6 +98,14 @@ std::vector<std::string> Collected::mailboxes() const {
   std::vector<std::string> out;
   for (const tools::RawMessage& m : messages) {
     out.push_back(m.mailbox);
+  }
+  return out;
+}
+
+std::vector<std::string> Collected::sources() const {
+  std::vector<std::string> out;
+  for (const tools::RawMessage& m : messages) {
+    out.push_back(m.source);
   }
   return out;
 }

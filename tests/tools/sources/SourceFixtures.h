@@ -13,6 +13,7 @@ class SourceFixtures {
  public:
   // A small RFC 822 message whose Subject is "Message <i>" and whose body is `body`.
   static std::string message(int i, const std::string& body = "Body text.\n");
+  static std::vector<std::string> messages(const std::vector<int>& numbers);  // with that body
 
   // An .emlx file: the byte-count line (the count padded with blanks to ten columns, as Apple
   // Mail writes it, or `count` when given), the message, and a property list with the dates
@@ -38,6 +39,7 @@ struct Collected {
   tools::MessageSink sink();
   tools::InvalidSink invalidSink();
   std::vector<std::string> mailboxes() const;  // each message's mailbox, in order
+  std::vector<std::string> sources() const;
 };
 
 }  // namespace quillery::test
