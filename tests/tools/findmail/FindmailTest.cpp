@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <filesystem>
+#include <fstream>
 
 #include "support/TestEnvironment.h"
 
@@ -22,136 +22,118 @@ class FindmailTest : public ::testing::Test {
  protected:
   struct Run {
     int exitCode = -1;
-    QString errors;
-    std::vector<std::string> lines;
-    bool endsWithLineEnd = true;
+    std::string errors;
+    std::string list;  // the output file, or "(none)" when there is none
   };
 
   std::string home() const { return home_.path().toStdString(); }
   std::string mail() const { return home() + "/Library/Mail"; }
   std::string outFile() const { return out_.path().toStdString() + "/archive.sqlite.tmp"; }
-
   void folder(const std::string& path) const { fs::create_directories(mail() + "/" + path); }
-  void file(const std::string& path) const {
-    folder(fs::path(path).parent_path().string());
-    QFile f(QString::fromStdString(mail() + "/" + path));
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-  }
 
-  Run run(const QStringList& arguments, const std::string& output) const {
+  Run run(const QStringList& arguments, const std::string& output = {}) const {
+    const std::string list = output.empty() ? outFile() : output;
     QProcess process;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("HOME"), QString::fromStdString(home()));
     process.setProcessEnvironment(env);
     process.start(toolPath(QStringLiteral("findmail")),
-                  QStringList{QString::fromStdString(output)} + arguments);
+                  QStringList{QString::fromStdString(list)} + arguments);
     Run result;
     if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
       ADD_FAILURE() << "findmail did not end normally";
       return result;
     }
     result.exitCode = process.exitCode();
-    result.errors = QString::fromLocal8Bit(process.readAllStandardError());
-    QFile list(QString::fromStdString(output));
-    if (list.open(QIODevice::ReadOnly)) {
-      const QByteArray bytes = list.readAll();
-      result.endsWithLineEnd = bytes.isEmpty() || bytes.endsWith('\n');
-      for (const QByteArray& line : bytes.split('\n')) {
-        if (!line.isEmpty()) {
-          result.lines.push_back(line.toStdString());
-        }
-      }
-    }
+    result.errors = process.readAllStandardError().toStdString();
+    QFile file(QString::fromStdString(list));
+    result.list = file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(none)";
     return result;
   }
-  Run run(const QStringList& arguments) const { return run(arguments, outFile()); }
 
  private:
   QTemporaryDir home_;
   QTemporaryDir out_;
 };
 
+// The lines findmail writes for these paths under the mail folder.
+std::string lines(const std::string& mail, const std::vector<std::string>& paths) {
+  std::string out;
+  for (const std::string& path : paths) {
+    out += mail + "/" + path + "\n";
+  }
+  return out;
+}
+
 TEST_F(FindmailTest, ListsEveryMailboxOfTheOldAndCurrentLayouts) {
-  file("POP-old@example.com/INBOX.mbox/mbox");
-  folder("POP-old@example.com/Sent Messages.mbox/Messages");
-  file("POP-old@example.com/Info.plist");
-  folder("IMAP-x@example.com/INBOX.imapmbox/Messages");
-  folder("IMAP-x@example.com/INBOX.imapmbox/Lists.imapmbox/Messages");
   const std::string account = std::string("V10/") + kUuid;
-  file(account + "/INBOX.mbox/0A1B2C3D/Data/3/Messages/1.emlx");
-  folder(account + "/INBOX.mbox/Attachments");
-  folder(account + "/[Gmail].mbox/Sent Mail.mbox");
-  folder(account + "/.Hidden.mbox");
-  folder("V10/Mailboxes/Projects.mbox/2019.mbox");
-  folder("V10/MailData/Envelope.mbox");
-  folder("V10/Signatures/Signatures.mbox");
-  folder("V9/Old/INBOX.mbox");
-  folder("Mailboxes/Stale.mbox");  // what the newest version folder replaced
+  // The last is what the newest version folder replaced.
+  for (const char* path :
+       {"POP-old@example.com/INBOX.mbox", "POP-old@example.com/Sent Messages.mbox/Messages",
+        "IMAP-x@example.com/INBOX.imapmbox/Lists.imapmbox/Messages",
+        "IMAP-x@example.com/INBOX.imapmbox/Messages", "V10/Mailboxes/Projects.mbox/2019.mbox",
+        "V10/MailData/Envelope.mbox", "V10/Signatures/Signatures.mbox", "V9/Old/INBOX.mbox",
+        "Mailboxes/Stale.mbox"}) {
+    folder(path);
+  }
+  for (const char* box : {"/INBOX.mbox/0A1B2C3D/Data/3/Messages", "/INBOX.mbox/Attachments",
+                          "/[Gmail].mbox/Sent Mail.mbox", "/.Hidden.mbox"}) {
+    folder(account + box);
+  }
+  std::ofstream(mail() + "/POP-old@example.com/INBOX.mbox/mbox");
+  std::ofstream(mail() + "/POP-old@example.com/Info.plist");
+  std::ofstream(mail() + "/" + account + "/INBOX.mbox/0A1B2C3D/Data/3/Messages/1.emlx");
 
   const Run result = run({"POP-old@example.com", "IMAP-x@example.com", "V10", "Mailboxes"});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_TRUE(result.endsWithLineEnd);
-  const std::string m = mail() + "/";
-  const std::string a = m + account + "/";
-  EXPECT_EQ(result.lines,
-            (std::vector<std::string>{
-                m + "POP-old@example.com/INBOX.mbox", m + "POP-old@example.com/Sent Messages.mbox",
-                m + "IMAP-x@example.com/INBOX.imapmbox",
-                m + "IMAP-x@example.com/INBOX.imapmbox/Lists.imapmbox", a + "INBOX.mbox",
-                a + "[Gmail].mbox", a + "[Gmail].mbox/Sent Mail.mbox",
-                m + "V10/Mailboxes/Projects.mbox", m + "V10/Mailboxes/Projects.mbox/2019.mbox"}));
+  EXPECT_EQ(
+      result.list,
+      lines(mail(), {"POP-old@example.com/INBOX.mbox", "POP-old@example.com/Sent Messages.mbox",
+                     "IMAP-x@example.com/INBOX.imapmbox",
+                     "IMAP-x@example.com/INBOX.imapmbox/Lists.imapmbox", account + "/INBOX.mbox",
+                     account + "/[Gmail].mbox", account + "/[Gmail].mbox/Sent Mail.mbox",
+                     "V10/Mailboxes/Projects.mbox", "V10/Mailboxes/Projects.mbox/2019.mbox"}));
 }
 
 TEST_F(FindmailTest, OddNamesAndUnreadableFoldersNeverStopTheList) {
-  const std::vector<std::string> odd = {"With blanks  twice.mbox", "It's \"done\".mbox",
-                                        "Grüße 📬.mbox", "back\\slash.mbox", "-dash.mbox"};
+  // In name order, as the list gives them.
+  const std::vector<std::string> odd = {
+      "Mailboxes/-dash.mbox", "Mailboxes/Grüße 📬.mbox", "Mailboxes/It's \"done\".mbox",
+      "Mailboxes/With blanks  twice.mbox", "Mailboxes/back\\slash.mbox"};
   for (const std::string& name : odd) {
-    folder("Mailboxes/" + name);
+    folder(name);
   }
   folder("Mailboxes/line\nbreak.mbox");  // cannot be one line: left out
   folder("Mailboxes/Locked/Inside.mbox");
   folder("Closed@example.com/INBOX.mbox");
   const bool root = ::geteuid() == 0;  // chmod does not stop root from reading
-  if (!root) {
-    fs::permissions(mail() + "/Mailboxes/Locked", fs::perms::none);
-    fs::permissions(mail() + "/Closed@example.com", fs::perms::none);
+  for (const char* locked : {"/Mailboxes/Locked", "/Closed@example.com"}) {
+    fs::permissions(mail() + locked, root ? fs::perms::owner_all : fs::perms::none);
   }
   const Run result = run({"Closed@example.com", "Missing@example.com", "Mailboxes"});
-  if (!root) {
-    fs::permissions(mail() + "/Mailboxes/Locked", fs::perms::owner_all);
-    fs::permissions(mail() + "/Closed@example.com", fs::perms::owner_all);
+  for (const char* locked : {"/Mailboxes/Locked", "/Closed@example.com"}) {
+    fs::permissions(mail() + locked, fs::perms::owner_all);
   }
   EXPECT_EQ(result.exitCode, 0);
-  // The unreadable account gives nothing; the local mailboxes come in name order.
-  std::vector<std::string> local;
-  for (const std::string& name : odd) {
-    local.push_back(mail() + "/Mailboxes/" + name);
-  }
-  if (root) {
-    local.push_back(mail() + "/Mailboxes/Locked/Inside.mbox");
-  }
-  std::sort(local.begin(), local.end());
-  std::vector<std::string> expected;
-  if (root) {
-    expected.push_back(mail() + "/Closed@example.com/INBOX.mbox");
-  }
-  expected.insert(expected.end(), local.begin(), local.end());
-  EXPECT_EQ(result.lines, expected);
+  // The unreadable account and folder give nothing; the rest comes whole.
+  EXPECT_EQ(result.list,
+            root ? lines(mail(), {"Closed@example.com/INBOX.mbox", odd[0], odd[1], odd[2],
+                                  "Mailboxes/Locked/Inside.mbox", odd[3], odd[4]})
+                 : lines(mail(), odd));
 }
 
 TEST_F(FindmailTest, TroubleEndsWithStatusZeroAndSaysWhy) {
   // No mail folder at all: an empty list.
   Run result = run({"Someone@example.com", "Mailboxes"});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_TRUE(QFile::exists(QString::fromStdString(outFile())));
-  EXPECT_TRUE(result.lines.empty());
+  EXPECT_EQ(result.list, "");
 
   // An output file that cannot be written.
   folder("Mailboxes/Box.mbox");
   result = run({"Mailboxes"}, home() + "/no such folder/list.tmp");
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_TRUE(result.errors.contains(QStringLiteral("cannot write")))
-      << result.errors.toStdString();
+  EXPECT_NE(result.errors.find("cannot write"), std::string::npos) << result.errors;
+  EXPECT_EQ(result.list, "(none)");
 
   QProcess bare;
   bare.start(toolPath(QStringLiteral("findmail")), {});
