@@ -47,15 +47,10 @@ TEST(TextDecodingTest, MailDatesInTheFormsMailUses) {
   }
 }
 
-TEST(TextDecodingTest, HeaderWordsDecodeToOneLine) {
+TEST(TextDecodingTest, HeaderWordsAndParametersDecodeToOneLine) {
   CharsetDecoder decoder;
   HeaderText text(decoder);
-  struct Row {
-    const char* raw;
-    const char* fallback;
-    const char* expected;
-  };
-  const Row table[] = {
+  const std::tuple<const char*, const char*, const char*> table[] = {
       {"=?ISO-8859-1?Q?Andr=E9?= Pirard", "", "André Pirard"},
       {"=?utf-8?b?w6k=?=  \r\n =?utf-8?b?w6k=?=", "", "éé"},
       // A character split over two words of one charset survives.
@@ -70,11 +65,24 @@ TEST(TextDecodingTest, HeaderWordsDecodeToOneLine) {
       {"tab\there\r\n\tfolded =?utf-8?q?line=0Aend?=", "", "tab here folded line end"},
       {"=?iso-2022-jp?B?GyRCLSEbKEI=?=", "", "①"},
   };
-  for (const Row& row : table) {
-    EXPECT_EQ(text.decode(row.raw, row.fallback), row.expected) << row.raw;
+  for (const auto& [raw, fallback, expected] : table) {
+    EXPECT_EQ(text.decode(raw, fallback), expected) << raw;
   }
   EXPECT_EQ(text.decodeForAddresses("=?utf-8?q?Doe=2C_J=22?= <d@x>, \"=?utf-8?q?A?=\" <a@x>"),
             "\"Doe, J\\\"\" <d@x>, \"A\" <a@x>");
+
+  // Parameters with continuations and broken quotes.
+  const MimeParameters p(
+      "Attachment;\r\n filename*1*=%20b%C3%A4r.txt; filename*0*=utf-8'de'f%C3%B6o;\r\n"
+      " name=\"=?utf-8?q?x=C3=A9?=\"; size=12; broken=\"no end");
+  EXPECT_EQ(p.token(), "attachment");
+  EXPECT_EQ(p.decoded("FILENAME", text), "föo bär.txt");
+  EXPECT_EQ(p.decoded("name", text), "xé");
+  EXPECT_EQ(p.raw("size"), "12");
+  EXPECT_EQ(p.raw("broken"), "no end");
+  EXPECT_FALSE(p.decoded("missing", text).has_value());
+  EXPECT_EQ(MimeParameters("text/plain; name=report final.pdf;").raw("name"), "report final.pdf");
+  EXPECT_EQ(MimeParameters("a; name*=''%41%4").decoded("name", text), "A%4");
 }
 
 TEST(TextDecodingTest, CharsetsFallBackWithoutLosingText) {
@@ -111,22 +119,6 @@ TEST(TextDecodingTest, Base64IsDecodedWholeAndPassedOnOnlyWhenClean) {
   for (const char* dirty : {"QQ==\nQUI=", "QU*D", "QUJDQ", "", "Q===", "QUJD\nQUI=\nQ"}) {
     EXPECT_FALSE(Base64Text::clean(dirty, out)) << dirty;
   }
-}
-
-TEST(TextDecodingTest, MimeParametersWithContinuationsAndBrokenQuotes) {
-  CharsetDecoder decoder;
-  HeaderText text(decoder);
-  const MimeParameters p(
-      "Attachment;\r\n filename*1*=%20b%C3%A4r.txt; filename*0*=utf-8'de'f%C3%B6o;\r\n"
-      " name=\"=?utf-8?q?x=C3=A9?=\"; size=12; broken=\"no end");
-  EXPECT_EQ(p.token(), "attachment");
-  EXPECT_EQ(p.decoded("FILENAME", text), "föo bär.txt");
-  EXPECT_EQ(p.decoded("name", text), "xé");
-  EXPECT_EQ(p.raw("size"), "12");
-  EXPECT_EQ(p.raw("broken"), "no end");
-  EXPECT_FALSE(p.decoded("missing", text).has_value());
-  EXPECT_EQ(MimeParameters("text/plain; name=report final.pdf;").raw("name"), "report final.pdf");
-  EXPECT_EQ(MimeParameters("a; name*=''%41%4").decoded("name", text), "A%4");
 }
 
 TEST(TextDecodingTest, HtmlReadsAsText) {
