@@ -1,6 +1,7 @@
 // The tool on mail that the tests write, driven as the application drives it: the date
 // range, the switches, record texts that must not end a record early, announcements that
-// must always be answerable, and the ways a run ends (closed input, signals, closed output).
+// must always be answerable, and the ways a run ends (closed input, signals, closed output,
+// a malformed command line).
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <unistd.h>
@@ -111,48 +112,61 @@ TEST(DomailRunTest, SwitchesChooseMailboxesAndParts) {
                     "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n")}));
   request.mode = ToolRequest::Mbox;
   request.sources = {home / "parts.mbox"};
+  const std::string html = "|part-1.2.html 8bit <p>html <b>words</b></p>\n";
+  const std::string pdf = "|report.pdf base64 %PDF-1.4\n";
   const std::tuple<bool, bool, std::string> switches[] = {
-      {false, false, ""},
-      {false, true, "part-1.2.html 8bit <p>html <b>words</b></p>\n|"},
-      {true, false, "report.pdf base64 %PDF-1.4\n|"},
-      {true, true, "part-1.2.html 8bit <p>html <b>words</b></p>\n|report.pdf base64 %PDF-1.4\n|"}};
-  for (const auto& [attachments, html, expected] : switches) {
+      {false, false, ""}, {false, true, html}, {true, false, pdf}, {true, true, html + pdf}};
+  for (const auto& [attachments, htmlParts, expected] : switches) {
     request.attachments = attachments;
-    request.htmlParts = html;
+    request.htmlParts = htmlParts;
     const ToolOutcome run = runTool(request);
-    ASSERT_EQ(run.messages.size(), 1u);
-    const StoredRecord& r = run.messages[0].record;
-    EXPECT_EQ(r.body, "plain words");
-    std::string stored;
+    const StoredRecord& r = run.messages.at(0).record;
+    std::string stored = r.body;
     for (const StoredRecord::Attachment& a : r.attachments) {
-      stored += a.filename + " " + a.encoding + " " + a.bytes() + "|";
+      stored += "|" + a.filename + " " + a.encoding + " " + a.bytes();
     }
-    EXPECT_EQ(stored, expected);
-    EXPECT_EQ(run.attachmentStatuses > 0, attachments || html);
+    EXPECT_EQ(stored, "plain words" + expected);
+    EXPECT_EQ(run.attachmentStatuses > 0, attachments || htmlParts);
   }
   // Without the raw switch the tool writes no raw file and the run goes on.
   request.raw = false;
   EXPECT_EQ(subjectsOf(request), "parts");
 }
 
-TEST(DomailRunTest, MessageTextNeverEndsARecordEarly) {
-  const std::string lines =
-      "first line\nENDOFBODY:\ntext then ENDOFBODY:\nENDOFEMAIL: not yet\nENDATTACH:\n"
-      "ENDATTACHMENTS:\nRAW: like a tag\nENDOFRAW:\nlast line\n";
-  const std::string tricky =
-      message("tricky", "Mon, 7 Jan 2019 10:00:00 +0000",
-              "--m\nContent-Type: text/plain\n\n" + lines +
-                  "--m\nContent-Type: text/plain; name=notes.txt\n"
-                  "Content-Disposition: attachment\n\n" +
-                  lines + "--m--\n",
-              "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n");
+// Message texts that look like the record's own lines, and messages whose announcement could
+// be taken for a status: a mailbox file named "attachment" and a message without a subject
+// would announce "...attachment\n", which the application never answers.
+TEST(DomailRunTest, OddMessagesNeverEndARecordEarlyAndAreAlwaysAnswerable) {
+  auto tricky = [](const std::string& guard) {
+    const std::string lines =
+        "first line\nENDOFBODY:\ntext then ENDOFBODY:\nENDOFEMAIL: not yet\nENDATTACH:\n"
+        "ENDATTACHMENTS:\n" +
+        guard + "RAW: like a tag\n" + guard + "ENDOFRAW:\nlast line\n";
+    return message("tricky", "Mon, 7 Jan 2019 10:00:00 +0000",
+                   "--m\nContent-Type: text/plain\n\n" + lines +
+                       "--m\nContent-Type: text/plain; name=notes.txt\n"
+                       "Content-Disposition: attachment\n\n" +
+                       lines + "--m--\n",
+                   "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n");
+  };
   ScratchDir dir;
-  writeFile(dir / "tricky.mbox", mbox({tricky, message("next")}));
+  writeFile(
+      dir / "attachment",
+      mbox({tricky(""), "From: a@example.com\nDate: Mon, 7 Jan 2019 10:00:00 +0000\n\nno subject\n",
+            message("Looking for email"), message(std::string(5000, 'x')),
+            message("Gr\xFC\xDF"
+                    "e in Latin-1")}));
   ToolRequest request;
-  request.sources = {dir / "tricky.mbox"};
+  request.sources = {dir / "attachment"};
   const ToolOutcome run = runTool(request);
-  ASSERT_EQ(run.subjects(), "tricky|next");
+  ASSERT_EQ(run.messages.size(), 5u) << "every message was announced and answered";
   EXPECT_EQ(run.faults, 0);
+  for (const AnnouncedMessage& m : run.messages) {
+    EXPECT_LE(m.announcement.size(), 2001u) << "one atomic pipe write";
+    EXPECT_TRUE(m.announcement.starts_with(dir / "attachment\n"));
+  }
+  EXPECT_EQ(run.messages[4].record.subject, "Grüße in Latin-1");
+  EXPECT_EQ(run.messages[3].record.subject.size(), 5000u) << "the record keeps it whole";
   // The reader gets every line; the guards add one blank where a line would end the record.
   const std::string guarded =
       "first line\nENDOFBODY: \ntext then ENDOFBODY: \n ENDOFEMAIL: not yet\nENDATTACH: \n"
@@ -162,37 +176,9 @@ TEST(DomailRunTest, MessageTextNeverEndsARecordEarly) {
   ASSERT_EQ(r.attachments.size(), 1u);
   EXPECT_EQ(r.attachments[0].filename, "notes.txt");
   EXPECT_EQ(r.attachments[0].blob, guarded + "\n");
+  EXPECT_EQ(run.messages[1].record.body, "no subject") << "the next record starts whole";
   // In the raw file only the lines that the raw reader would skip or stop at get a blank.
-  std::string source = tricky;
-  for (const std::string line : {"\nRAW: like a tag\n", "\nENDOFRAW:\n"}) {
-    for (std::size_t at = source.find(line); at != std::string::npos;
-         at = source.find(line, at + line.size())) {
-      source.insert(at + 1, " ");
-    }
-  }
-  EXPECT_EQ(run.messages[0].raw, source);
-}
-
-TEST(DomailRunTest, AnnouncementsAreAlwaysAnswerable) {
-  ScratchDir dir;
-  // A mailbox file named "attachment" and a message without a subject would announce
-  // "...attachment\n", which the application takes for a status and never answers.
-  writeFile(dir / "attachment",
-            mbox({"From: a@example.com\nDate: Mon, 7 Jan 2019 10:00:00 +0000\n\nno subject\n",
-                  message("Looking for email"), message(std::string(5000, 'x')),
-                  message("Gr\xFC\xDF"
-                          "e in Latin-1")}));
-  ToolRequest request;
-  request.sources = {dir / "attachment"};
-  const ToolOutcome run = runTool(request);
-  ASSERT_EQ(run.messages.size(), 4u) << "every message was announced and answered";
-  EXPECT_EQ(run.faults, 0);
-  for (const AnnouncedMessage& m : run.messages) {
-    EXPECT_LE(m.announcement.size(), 2001u) << "one atomic pipe write";
-    EXPECT_TRUE(m.announcement.starts_with(dir / "attachment\n"));
-  }
-  EXPECT_EQ(run.messages[3].record.subject, "Grüße in Latin-1");
-  EXPECT_EQ(run.messages[2].record.subject.size(), 5000u) << "the record keeps it whole";
+  EXPECT_EQ(run.messages[0].raw, tricky(" "));
 }
 
 // Starts the tool on a five-message mbox and reads its first announcement.

@@ -86,9 +86,7 @@ ToolOutcome runTool(const ToolRequest& request) {
   outcome.exitStatus = driver.wait(60000);
   std::istringstream log(readFile(runLog));
   for (std::string line; std::getline(log, line);) {
-    if (line.starts_with("INVALID: ")) {
-      outcome.invalid.push_back(line.substr(9));
-    } else if (line.starts_with("PARSED: ")) {
+    if (line.starts_with("PARSED: ")) {
       outcome.parsed = std::stol(line.substr(8));
     }
   }

@@ -41,8 +41,7 @@ struct AnnouncedMessage {
 
 struct ToolOutcome {
   std::vector<AnnouncedMessage> messages;
-  std::vector<std::string> invalid;  // paths of the run log's INVALID lines
-  long parsed = -1;                  // its PARSED line
+  long parsed = -1;  // the run log's PARSED line
   int exitStatus = -1;
   int attachmentStatuses = 0;
   // Protocol faults that would hurt the application: output before an answer, chunks that
