@@ -24,43 +24,36 @@ TEST(EmlxReaderTest, PaddedCountLeadsToEitherTrailerAndItsDates) {
       1500000000);
 }
 
-TEST(EmlxReaderTest, WrongOrMissingCountsStillGiveTheWholeMessage) {
+// Wrong or missing counts and trailers still give the whole message; text that holds no
+// message gives nothing.
+TEST(EmlxReaderTest, EveryShapeGivesTheWholeMessageOrNothing) {
   const std::string message = SourceFixtures::message(2);
   const std::string right = SourceFixtures::emlx(message);
   const std::string trailer = right.substr(right.find("<?xml"));
   const long size = static_cast<long>(message.size());
-  const std::vector<std::pair<std::string, std::string>> files = {
-      {"count too large", SourceFixtures::emlx(message, size + 500)},
-      {"count too small", SourceFixtures::emlx(message, size - 20)},
-      {"no count line", message + trailer},
-      {"no plist", right.substr(0, right.find("<?xml"))},
-      {"no count, no plist", message},
-      {"count larger than the file, no plist", "99999\n" + message}};
-  for (const auto& [name, file] : files) {
-    const auto content = EmlxReader::parse(file);
-    ASSERT_TRUE(content.has_value()) << name;
-    EXPECT_EQ(content->source, message) << name;
-  }
-
   // A property list quoted in the body is the message's own, not a trailer.
   const std::string quoting = SourceFixtures::message(
       3, "<?xml version=\"1.0\"?>\n<plist version=\"1.0\"><dict/></plist>\nmore text\n");
-  auto content = EmlxReader::parse("99999\n" + quoting);
-  ASSERT_TRUE(content.has_value());
-  EXPECT_EQ(content->source, quoting);
-
   // A closing boundary that runs straight into the trailer keeps every byte of the message.
   const std::string runOn = SourceFixtures::message(4, "--b\n\nx\n--b--");
-  content = EmlxReader::parse(SourceFixtures::emlx(runOn));
-  ASSERT_TRUE(content.has_value());
-  EXPECT_EQ(content->source, runOn);
-}
-
-TEST(EmlxReaderTest, TextThatHoldsNoMessage) {
-  EXPECT_FALSE(EmlxReader::parse(""));
-  EXPECT_FALSE(EmlxReader::parse("120       \n"));
-  EXPECT_FALSE(EmlxReader::parse("35\nthis is an invalid .emlx structure\n"));
-  EXPECT_FALSE(EmlxReader::parse(SourceFixtures::emlx("not a header line\n\nbody\n")));
+  const std::tuple<const char*, std::string, std::string> files[] = {
+      {"count too large", SourceFixtures::emlx(message, size + 500), message},
+      {"count too small", SourceFixtures::emlx(message, size - 20), message},
+      {"no count line", message + trailer, message},
+      {"no plist", right.substr(0, right.find("<?xml")), message},
+      {"no count, no plist", message, message},
+      {"count larger than the file, no plist", "99999\n" + message, message},
+      {"a quoted plist", "99999\n" + quoting, quoting},
+      {"a run-on boundary", SourceFixtures::emlx(runOn), runOn},
+      {"empty", "", "(none)"},
+      {"a count alone", "120       \n", "(none)"},
+      {"no header", "35\nthis is an invalid .emlx structure\n", "(none)"},
+      {"no header before the plist", SourceFixtures::emlx("not a header line\n\nbody\n"),
+       "(none)"}};
+  for (const auto& [what, file, expected] : files) {
+    const auto content = EmlxReader::parse(file);
+    EXPECT_EQ(content ? content->source : "(none)", expected) << what;
+  }
 }
 
 }  // namespace
