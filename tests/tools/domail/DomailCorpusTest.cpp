@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 
 #include "ToolRun.h"
 #include "domail/CharsetDecoder.h"
@@ -24,20 +25,11 @@ const char* const kReplacement = "\xEF\xBF\xBD";
 std::string summary(const std::string& name, const StoredRecord& r) {
   std::string out = "== " + name + "\nFROM:" + r.from + "\nTO:" + r.to + "\nSUBJECT:" + r.subject +
                     "\nDATE:" + r.date + "\nMAILTO:" + r.mailto + "\nMAILBOX:" + r.mailbox + "\n";
-  std::size_t at = 0;
-  for (int shown = 0; shown < 4 && at < r.body.size(); ++shown) {
-    const std::size_t nl = r.body.find('\n', at);
-    std::string line = r.body.substr(at, nl == std::string::npos ? std::string::npos : nl - at);
-    if (line.size() > 160) {
-      line.resize(160);
-      while (!line.empty() && (static_cast<unsigned char>(line.back()) & 0xC0) == 0x80) {
-        line.pop_back();
-      }
-      line.pop_back();  // the lead byte of a cut sequence, or the last ASCII byte
-      line += "...";
-    }
-    out += "BODY|" + line + "\n";
-    at = nl == std::string::npos ? r.body.size() : nl + 1;
+  std::istringstream body(r.body);
+  std::string line;
+  for (int shown = 0; shown < 4 && std::getline(body, line); ++shown) {
+    const QString text = QString::fromStdString(line);  // cut between characters, not bytes
+    out += "BODY|" + (text.size() > 160 ? text.left(157) + "..." : text).toStdString() + "\n";
   }
   out += "BODY SIZE:" + std::to_string(r.body.size()) + "\n";
   for (const StoredRecord::Attachment& a : r.attachments) {
