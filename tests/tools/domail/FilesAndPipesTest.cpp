@@ -45,7 +45,7 @@ struct Pipes {
   void answer(const char* text) { EXPECT_GT(::write(toTool[1], text, strlen(text)), 0); }
 };
 
-TEST(FilesAndPipesTest, NothingFollowsAnAnnouncementBeforeItsAnswer) {
+TEST(FilesAndPipesTest, NothingFollowsAnAnnouncementBeforeItsAnswerAndAStopEndsTheWait) {
   Pipes pipes;
   StopSignals signals;
   ApplicationChannel channel(pipes.toTool[0], pipes.fromTool[1], signals);
@@ -72,22 +72,20 @@ TEST(FilesAndPipesTest, NothingFollowsAnAnnouncementBeforeItsAnswer) {
   EXPECT_FALSE(channel.announce("/m/a\nfourth"));
   channel.working();
   EXPECT_EQ(pipes.written(), "");
-}
 
-TEST(FilesAndPipesTest, AStopSignalEndsTheWaitForAnAnswer) {
-  Pipes pipes;
-  StopSignals signals;
-  ApplicationChannel channel(pipes.toTool[0], pipes.fromTool[1], signals);
-  ASSERT_TRUE(channel.announce("/m/a\nfirst"));
+  // A stop signal ends the wait for an answer.
+  Pipes signalled;
+  ApplicationChannel second(signalled.toTool[0], signalled.fromTool[1], signals);
+  ASSERT_TRUE(second.announce("/m/a\nfirst"));
   ASSERT_EQ(::raise(SIGTERM), 0);  // blocked, so it waits on the signalfd
-  EXPECT_FALSE(channel.settle());
-  EXPECT_TRUE(channel.stopped());
+  EXPECT_FALSE(second.settle());
+  EXPECT_TRUE(second.stopped());
   // A closed output ends a run too.
   Pipes other;
-  ApplicationChannel second(other.toTool[0], other.fromTool[1], signals);
+  ApplicationChannel third(other.toTool[0], other.fromTool[1], signals);
   ::close(other.fromTool[0]);
   other.fromTool[0] = -1;
-  EXPECT_FALSE(second.announce("/m/a\nlost"));
+  EXPECT_FALSE(third.announce("/m/a\nlost"));
 }
 
 TEST(FilesAndPipesTest, RecordFilesAreRewrittenInPlace) {

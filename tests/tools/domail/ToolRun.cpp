@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "domail/DomailDriver.h"
@@ -25,9 +26,7 @@ void writeFile(const std::string& path, const std::string& bytes, std::time_t mo
 
 std::string readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  std::stringstream bytes;
-  bytes << in.rdbuf();
-  return bytes.str();
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::string emlx(const std::string& message) {
@@ -41,17 +40,12 @@ std::string domailPath() {
 }
 
 std::vector<std::string> toolArguments(const ToolRequest& r, const std::string& runLog) {
-  auto flag = [](bool on) { return std::string(on ? "1" : "0"); };
-  std::vector<std::string> args = {runLog,
-                                   flag(r.allMailboxes),
-                                   flag(r.attachments),
-                                   flag(r.htmlParts),
-                                   flag(r.trash),
-                                   flag(r.mode == ToolRequest::Mbox),
-                                   flag(r.raw),
-                                   flag(r.mode == ToolRequest::Mailboxes),
-                                   r.begin,
-                                   r.end};
+  std::vector<std::string> args = {runLog};
+  for (const bool on : {r.allMailboxes, r.attachments, r.htmlParts, r.trash,
+                        r.mode == ToolRequest::Mbox, r.raw, r.mode == ToolRequest::Mailboxes}) {
+    args.push_back(on ? "1" : "0");
+  }
+  args.insert(args.end(), {r.begin, r.end});
   args.insert(args.end(), r.sources.begin(), r.sources.end());
   return args;
 }

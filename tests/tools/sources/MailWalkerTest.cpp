@@ -138,8 +138,8 @@ TEST_F(MailWalkerTest, ChosenFilesAndExportedMailboxesWithTheirDates) {
   mbox("plain.mbox", {4});
   emlx("single.emlx", 5);
   SourceFixtures::write(root() + "/picture.png", "\x89PNG\r\n\x1a\n");
-  const auto modified = fs::file_time_type::clock::now() - std::chrono::hours(24 * 400);
-  fs::last_write_time(root() + "/plain.mbox", modified);
+  const std::chrono::sys_seconds modified{std::chrono::seconds(1'400'000'000)};
+  fs::last_write_time(root() + "/plain.mbox", std::chrono::file_clock::from_sys(modified));
 
   Collected got;
   ASSERT_TRUE(tools::walkMboxFiles(
@@ -152,9 +152,7 @@ TEST_F(MailWalkerTest, ChosenFilesAndExportedMailboxesWithTheirDates) {
   const tools::RawMessage& fromMbox = got.messages.at(3);
   EXPECT_EQ(fromMbox.path, root() + "/plain.mbox");
   EXPECT_EQ(fromMbox.postmarkDate, 1514800800);
-  const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(
-      std::chrono::file_clock::to_sys(modified).time_since_epoch());
-  EXPECT_EQ(fromMbox.fileModified, seconds.count());
+  EXPECT_EQ(fromMbox.fileModified, 1'400'000'000);
   const tools::RawMessage& fromEmlx = got.messages.at(4);
   EXPECT_EQ(fromEmlx.plistDateSent, 1500000000);
   EXPECT_EQ(fromEmlx.plistDateReceived, 1500000100);

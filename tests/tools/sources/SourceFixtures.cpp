@@ -5,7 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 
 namespace quillery::test {
 
@@ -40,19 +40,13 @@ std::string SourceFixtures::emlx(const std::string& message, long count, bool ol
 }
 
 void SourceFixtures::write(const std::string& path, const std::string& bytes) {
-  std::error_code ec;
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ec);
-  std::ofstream out(path, std::ios::binary | std::ios::trunc);
-  out << bytes;
-  out.close();
-  ASSERT_TRUE(out.good()) << "cannot write " << path;
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  ASSERT_TRUE(std::ofstream(path, std::ios::binary) << bytes) << "cannot write " << path;
 }
 
 std::string SourceFixtures::read(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
+  return {std::istreambuf_iterator<char>(in), {}};
 }
 
 std::vector<std::string> SourceFixtures::decodedParts(const std::string& source) {
