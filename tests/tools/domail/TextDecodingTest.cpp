@@ -145,9 +145,9 @@ TEST(TextDecodingTest, HtmlReadsAsText) {
 }
 
 TEST(TextDecodingTest, AnnouncementsStayShortAndAnswerable) {
-  const std::string subject = std::string(999, 'x') + "é";  // é would straddle the limit
-  const std::string a = RecordFormat::announcement("/m/INBOX", subject);
-  EXPECT_EQ(a, "/m/INBOX\n" + std::string(999, 'x'));
+  // é would straddle the limit.
+  EXPECT_EQ(RecordFormat::announcement("/m/INBOX", std::string(999, 'x') + "é"),
+            "/m/INBOX\n" + std::string(999, 'x'));
   EXPECT_EQ(RecordFormat::announcement("/m/attachment", ""), "/m/attachment\n ");
   EXPECT_EQ(RecordFormat::announcement("/m/x", "Looking for email"), "/m/x\nLooking for email ");
   EXPECT_EQ(RecordFormat::announcement("/m/\xE9\n", "s"), "/m/é\ns");

@@ -38,17 +38,10 @@ TEST_F(MboxReaderTest, MboxrdFileGivesEveryMessageBackExactly) {
   std::vector<std::string> originals;
   std::string file;
   for (int i = 0; i < 3000; ++i) {
-    std::string body(static_cast<std::size_t>(500 + (i * 7919) % 5000), 'a' + i % 26);
-    body += "\n";
-    if (i % 5 == 0) {
-      body += "\nFrom the desk of " + std::to_string(i) + " Mon Jan  1 10:00:00 2018\n";
-    }
-    if (i % 7 == 0) {
-      body += ">From a quoted line\n>>From deeper\n";
-    }
-    if (i % 11 == 0) {
-      body += "\n\n";
-    }
+    const std::string body =
+        std::string(static_cast<std::size_t>(500 + (i * 7919) % 5000), 'a' + i % 26) + "\n" +
+        (i % 5 ? "" : "\nFrom the desk of Sam Mon Jan  1 10:00:00 2018\n") +
+        (i % 7 ? "" : ">From a quoted line\n>>From deeper\n") + (i % 11 ? "" : "\n\n");
     const std::string message = SourceFixtures::message(i, i == 13 ? "" : body);
     originals.push_back("1514800800 " + message);  // Mon Jan  1 10:00:00 2018 UTC
     std::string quoted;  // a ">" before every line that starts with ">*From "
