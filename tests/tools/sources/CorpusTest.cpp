@@ -91,7 +91,7 @@ TEST(CorpusTest, SavedMessagesAreOneMessageEach) {
     tools::walkMboxFiles({file.path().string()}, got.sink(), got.invalidSink(), {});
     ASSERT_EQ(got.messages.size(), 1u) << file.path();
     const std::string& source = got.messages[0].source;
-    std::string bytes = SourceFixtures::read(file.path().string());
+    std::string bytes = readFile(file.path().string());
     if (!bytes.starts_with("From ")) {
       EXPECT_TRUE(source == bytes) << file.path();
       continue;
@@ -117,8 +117,7 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
     EXPECT_EQ(m.source.find("DTD PLIST"), std::string::npos) << name;
     EXPECT_TRUE(m.plistDateReceived.has_value()) << name;
   }
-  EXPECT_EQ(files["114862.emlx"].source,
-            SourceFixtures::read(corpus() + "/emlx/expected/114862.eml"));
+  EXPECT_EQ(files["114862.emlx"].source, readFile(corpus() + "/emlx/expected/114862.eml"));
   EXPECT_EQ(files["114862.emlx"].mailbox, "IMAP-sample@imap.example.com/INBOX");
 
   // Every part kept under Attachments/ is back in its message, decoded byte for byte.
@@ -127,10 +126,10 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
     const std::string name = id.path().filename().string() + ".partial.emlx";
     ASSERT_TRUE(files.count(name)) << name;
     EXPECT_EQ(files[name].source.find("X-Apple-Content-Length"), std::string::npos) << name;
-    const std::vector<std::string> parts = SourceFixtures::decodedParts(files[name].source);
+    const std::vector<std::string> parts = decodedParts(files[name].source);
     for (const auto& file : fs::recursive_directory_iterator(id.path())) {
       if (file.is_regular_file()) {
-        const std::string stored = SourceFixtures::read(file.path().string());
+        const std::string stored = readFile(file.path().string());
         EXPECT_TRUE(std::find(parts.begin(), parts.end(), stored) != parts.end() ||
                     std::find(parts.begin(), parts.end(), withoutCr(stored)) != parts.end())
             << file.path();
@@ -142,12 +141,12 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
 
   // The rebuilt message reads as the reference rebuild does (which writes CRLF line ends).
   auto parts = [](const std::string& source) {
-    std::vector<std::string> out = SourceFixtures::decodedParts(source);
+    std::vector<std::string> out = decodedParts(source);
     std::transform(out.begin(), out.end(), out.begin(), withoutCr);
     return out;
   };
   EXPECT_TRUE(parts(files["114892.partial.emlx"].source) ==
-              parts(SourceFixtures::read(corpus() + "/emlx/expected/114892.eml")));
+              parts(readFile(corpus() + "/emlx/expected/114892.eml")));
 }
 
 TEST(CorpusTest, MalformedEmlxFilesAreReadAsFarAsTheyGoOrNamed) {
@@ -165,11 +164,11 @@ TEST(CorpusTest, MalformedEmlxFilesAreReadAsFarAsTheyGoOrNamed) {
   // Cut short before the plist: everything after the byte-count line.
   for (const char* name :
        {"broken1.emlx", "763932.emlx", "763933.emlx", "763983.emlx", "763983-badtime.emlx"}) {
-    const std::string file = SourceFixtures::read(dir + name);
+    const std::string file = readFile(dir + name);
     EXPECT_EQ(files[name].source, file.substr(file.find('\n') + 1)) << name;
   }
   EXPECT_EQ(files["no-bytecount-no-plist.emlx"].source,
-            SourceFixtures::read(dir + "no-bytecount-no-plist.emlx"));
+            readFile(dir + "no-bytecount-no-plist.emlx"));
   for (const char* name : {"broken2.emlx", "broken3.emlx"}) {
     EXPECT_TRUE(startsWithHeaderField(files[name].source)) << name;
     EXPECT_EQ(files[name].source.find("<?xml"), std::string::npos) << name;

@@ -21,14 +21,14 @@ class MailWalkerTest : public ::testing::Test {
  protected:
   std::string root() const { return dir_.path().toStdString(); }
   void emlx(const std::string& path, int i) const {
-    SourceFixtures::write(root() + "/" + path, SourceFixtures::emlx(SourceFixtures::message(i)));
+    writeFile(root() + "/" + path, test::emlx(numberedMessage(i)));
   }
   void mbox(const std::string& path, std::initializer_list<int> numbers) const {
     std::string file;
     for (const int i : numbers) {
-      file += "From s@example.com Mon Jan  1 10:00:00 2018\n" + SourceFixtures::message(i) + "\n";
+      file += "From s@example.com Mon Jan  1 10:00:00 2018\n" + numberedMessage(i) + "\n";
     }
-    SourceFixtures::write(root() + "/" + path, file);
+    writeFile(root() + "/" + path, file);
   }
 
  private:
@@ -91,7 +91,7 @@ TEST_F(MailWalkerTest, ListedMailboxesReadBackLikeTheirAccounts) {
                   "POP-old@example.com/Projects", "POP-old@example.com/Projects/2019",
                   "POP-old@example.com/Sent Messages", "IMAP-x@example.com/INBOX",
                   "Mailboxes/Folder/Inner", "Mailboxes/Local"}));
-  EXPECT_EQ(byLines.sources(), SourceFixtures::messages({1, 2, 4, 5, 3, 6, 8, 7}));
+  EXPECT_EQ(byLines.sources(), numberedMessages({1, 2, 4, 5, 3, 6, 8, 7}));
   EXPECT_EQ(byAccounts.mailboxes(), byLines.mailboxes());
   EXPECT_EQ(byAccounts.sources(), byLines.sources());
 
@@ -107,7 +107,7 @@ TEST_F(MailWalkerTest, BadFilesAreNamedAndTheWalkGoesOn) {
   for (const int i : {1, 3, 4, 10}) {  // 10 comes after 4: numbers, not names, give the order
     emlx("Box.mbox/Messages/" + std::to_string(i) + ".emlx", i);
   }
-  SourceFixtures::write(box + "/Messages/2.emlx", "not mail at all\n");
+  writeFile(box + "/Messages/2.emlx", "not mail at all\n");
   emlx("Box.mbox/AB12/Data/Messages/20.emlx", 20);
   const bool root = ::geteuid() == 0;  // chmod does not stop root from reading
   if (!root) {
@@ -122,8 +122,8 @@ TEST_F(MailWalkerTest, BadFilesAreNamedAndTheWalkGoesOn) {
   EXPECT_EQ(got.invalid,
             (root ? List{messages + "2.emlx", gone}
                   : List{box + "/AB12/Data", messages + "2.emlx", messages + "4.emlx", gone}));
-  EXPECT_EQ(got.sources(), SourceFixtures::messages(root ? std::vector<int>{20, 1, 3, 4, 10}
-                                                         : std::vector<int>{1, 3, 10}));
+  EXPECT_EQ(got.sources(), numberedMessages(root ? std::vector<int>{20, 1, 3, 4, 10}
+                                                 : std::vector<int>{1, 3, 10}));
 
   // The tool was told to stop: the walk ends at once.
   int delivered = 0;
@@ -137,7 +137,7 @@ TEST_F(MailWalkerTest, ChosenFilesAndExportedMailboxesWithTheirDates) {
   mbox("Export/X.mbox/Sub.mbox/mbox", {3});
   mbox("plain.mbox", {4});
   emlx("single.emlx", 5);
-  SourceFixtures::write(root() + "/picture.png", "\x89PNG\r\n\x1a\n");
+  writeFile(root() + "/picture.png", "\x89PNG\r\n\x1a\n");
   const std::chrono::sys_seconds modified{std::chrono::seconds(1'400'000'000)};
   fs::last_write_time(root() + "/plain.mbox", std::chrono::file_clock::from_sys(modified));
 
@@ -147,7 +147,7 @@ TEST_F(MailWalkerTest, ChosenFilesAndExportedMailboxesWithTheirDates) {
        root() + "/missing.mbox", root() + "/picture.png"},
       got.sink(), got.invalidSink(), {}));
   EXPECT_EQ(got.mailboxes(), (List{"X", "X", "X/Sub", "plain.mbox", "single.emlx"}));
-  EXPECT_EQ(got.sources(), SourceFixtures::messages({1, 2, 3, 4, 5}));
+  EXPECT_EQ(got.sources(), numberedMessages({1, 2, 3, 4, 5}));
   EXPECT_EQ(got.invalid, (List{root() + "/missing.mbox", root() + "/picture.png"}));
   const tools::RawMessage& fromMbox = got.messages.at(3);
   EXPECT_EQ(fromMbox.path, root() + "/plain.mbox");

@@ -15,7 +15,7 @@ class MboxReaderTest : public ::testing::Test {
   // "failed" when the reader says so.
   std::vector<std::string> read(const std::string& bytes) {
     const std::string path = dir_.path().toStdString() + "/file.mbox";
-    SourceFixtures::write(path, bytes);
+    writeFile(path, bytes);
     tools::MboxReader reader(path);
     EXPECT_TRUE(reader.open());
     std::vector<std::string> out;
@@ -42,7 +42,7 @@ TEST_F(MboxReaderTest, MboxrdFileGivesEveryMessageBackExactly) {
         std::string(static_cast<std::size_t>(500 + (i * 7919) % 5000), 'a' + i % 26) + "\n" +
         (i % 5 ? "" : "\nFrom the desk of Sam Mon Jan  1 10:00:00 2018\n") +
         (i % 7 ? "" : ">From a quoted line\n>>From deeper\n") + (i % 11 ? "" : "\n\n");
-    const std::string message = SourceFixtures::message(i, i == 13 ? "" : body);
+    const std::string message = numberedMessage(i, i == 13 ? "" : body);
     originals.push_back("1514800800 " + message);  // Mon Jan  1 10:00:00 2018 UTC
     std::string quoted;  // a ">" before every line that starts with ">*From "
     for (std::size_t at = 0, end; at < message.size(); at = end) {
@@ -75,8 +75,8 @@ TEST_F(MboxReaderTest, PostmarksContentLengthsAndFilesThatAreNoMbox) {
       "Subject: 2\nContent-length: " + std::to_string(fake.size() - 1) + "\n\n" + fake;
   // A message saved on its own (.eml) is one message, whatever "From " lines a forwarded
   // message inside it brings, and nothing in it is unquoted or trimmed.
-  const std::string eml = SourceFixtures::message(1, ">From me\n\n") +
-                          "\nFrom a@b Mon Jan  1 10:00:00 2018\n" + SourceFixtures::message(2);
+  const std::string eml = numberedMessage(1, ">From me\n\n") +
+                          "\nFrom a@b Mon Jan  1 10:00:00 2018\n" + numberedMessage(2);
   const std::tuple<const char*, std::string, List> cases[] = {
       {"postmarks need a blank line before them and a date or a header after them",
        "From a@example.com Sat Jan  2 11:02:19 2021\n" + one +

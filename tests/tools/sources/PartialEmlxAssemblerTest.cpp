@@ -39,16 +39,15 @@ TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
         "--XX\nContent-Type: " + std::string(headers) + "\nX-Apple-Content-Length: 1234\n\n\n";
   }
   message += "--XX--\nepilogue\n";
-  SourceFixtures::write(box + "/Messages/7.partial.emlx", SourceFixtures::emlx(message));
-  SourceFixtures::write(box + "/Attachments/7/2/a.pdf", allByteValues());
-  SourceFixtures::write(box + "/Attachments/7/3/renamed.txt", qpText);
-  SourceFixtures::write(box + "/Messages/7.4.emlxpart", "iVBORw0KGgo=\n");
-  SourceFixtures::write(box + "/Messages/7.5.emlxpart", "x = 1 =\nGrüße\n");
+  writeFile(box + "/Messages/7.partial.emlx", emlx(message));
+  writeFile(box + "/Attachments/7/2/a.pdf", allByteValues());
+  writeFile(box + "/Attachments/7/3/renamed.txt", qpText);
+  writeFile(box + "/Messages/7.4.emlxpart", "iVBORw0KGgo=\n");
+  writeFile(box + "/Messages/7.5.emlxpart", "x = 1 =\nGrüße\n");
   // A full copy beside a partial one is the better of the two.
-  const std::string whole = SourceFixtures::message(8);
-  SourceFixtures::write(box + "/Messages/8.partial.emlx",
-                        SourceFixtures::emlx(SourceFixtures::message(8, "cut\n")));
-  SourceFixtures::write(box + "/Messages/8.emlx", SourceFixtures::emlx(whole));
+  const std::string whole = numberedMessage(8);
+  writeFile(box + "/Messages/8.partial.emlx", emlx(numberedMessage(8, "cut\n")));
+  writeFile(box + "/Messages/8.emlx", emlx(whole));
 
   Collected got;
   ASSERT_TRUE(tools::walkMailboxes({box}, got.sink(), got.invalidSink(), {}));
@@ -61,7 +60,7 @@ TEST(PartialEmlxAssemblerTest, StoredPartsComeBackInTheirOwnEncoding) {
   // Restored base64 (both restored ones end in padding) runs up to the line break before the
   // next delimiter, with no blank line between.
   EXPECT_EQ(rebuilt.find("=\n\n--XX"), std::string::npos);
-  const std::vector<std::string> parts = SourceFixtures::decodedParts(rebuilt);
+  const std::vector<std::string> parts = decodedParts(rebuilt);
   ASSERT_EQ(parts.size(), 6u);
   EXPECT_EQ(parts[0], "Hello");
   EXPECT_TRUE(parts[1] == allByteValues()) << "the PDF's bytes differ";

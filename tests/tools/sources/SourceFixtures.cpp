@@ -9,22 +9,22 @@
 
 namespace quillery::test {
 
-std::string SourceFixtures::message(int i, const std::string& body) {
+std::string numberedMessage(int i, const std::string& body) {
   return "From: Sender " + std::to_string(i) + " <s" + std::to_string(i) +
          "@example.com>\nTo: you@example.com\nSubject: Message " + std::to_string(i) +
          "\nDate: Mon, 1 Jan 2018 10:00:00 +0000\n\n" + body;
 }
 
-std::vector<std::string> SourceFixtures::messages(const std::vector<int>& numbers) {
+std::vector<std::string> numberedMessages(const std::vector<int>& numbers) {
   std::vector<std::string> out;
   for (const int i : numbers) {
-    out.push_back(message(i));
+    out.push_back(numberedMessage(i));
   }
   return out;
 }
 
-std::string SourceFixtures::emlx(const std::string& message, long count, bool oldTrailer,
-                                 std::time_t dateSent, std::time_t received) {
+std::string emlx(const std::string& message, long count, bool oldTrailer, std::time_t dateSent,
+                 std::time_t received) {
   std::string countText = std::to_string(count < 0 ? static_cast<long>(message.size()) : count);
   countText.resize(std::max<std::size_t>(countText.size(), 10), ' ');
   const std::string doctype =
@@ -39,17 +39,17 @@ std::string SourceFixtures::emlx(const std::string& message, long count, bool ol
          "</integer>\n</dict>\n</plist>\n";
 }
 
-void SourceFixtures::write(const std::string& path, const std::string& bytes) {
+void writeFile(const std::string& path, const std::string& bytes) {
   std::filesystem::create_directories(std::filesystem::path(path).parent_path());
   ASSERT_TRUE(std::ofstream(path, std::ios::binary) << bytes) << "cannot write " << path;
 }
 
-std::string SourceFixtures::read(const std::string& path) {
+std::string readFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
-std::vector<std::string> SourceFixtures::decodedParts(const std::string& source) {
+std::vector<std::string> decodedParts(const std::string& source) {
   g_mime_init();
   GMimeStream* stream = g_mime_stream_mem_new_with_buffer(source.data(), source.size());
   GMimeParser* parser = g_mime_parser_new_with_stream(stream);

@@ -9,27 +9,25 @@
 namespace quillery::test {
 
 // Mail-store files that the reader tests write themselves, and the walk's output collected.
-class SourceFixtures {
- public:
-  // A small RFC 822 message whose Subject is "Message <i>" and whose body is `body`.
-  static std::string message(int i, const std::string& body = "Body text.\n");
-  static std::vector<std::string> messages(const std::vector<int>& numbers);  // with that body
 
-  // An .emlx file: the byte-count line (the count padded with blanks to ten columns, as Apple
-  // Mail writes it, or `count` when given), the message, and a property list with the dates
-  // (a modern trailer, or the old "Apple Computer" one when `oldTrailer`).
-  static std::string emlx(const std::string& message, long count = -1, bool oldTrailer = false,
-                          std::time_t dateSent = 1500000000, std::time_t received = 1500000100);
+// A small RFC 822 message whose Subject is "Message <i>" and whose body is `body`.
+std::string numberedMessage(int i, const std::string& body = "Body text.\n");
+std::vector<std::string> numberedMessages(const std::vector<int>& numbers);  // with that body
 
-  // Writes `bytes` to `path`, creating the folders above it; fails the test when it cannot.
-  static void write(const std::string& path, const std::string& bytes);
+// An .emlx file: the byte-count line (the count padded with blanks to ten columns, as Apple
+// Mail writes it, or `count` when given), the message, and a property list with the dates
+// (a modern trailer, or the old "Apple Computer" one when `oldTrailer`).
+std::string emlx(const std::string& message, long count = -1, bool oldTrailer = false,
+                 std::time_t dateSent = 1500000000, std::time_t received = 1500000100);
 
-  // The contents of a file, or empty text.
-  static std::string read(const std::string& path);
+// Writes `bytes` to `path`, creating the folders above it; fails the test when it cannot.
+void writeFile(const std::string& path, const std::string& bytes);
 
-  // The decoded content of every leaf MIME part of `source` in order, as GMime reads it.
-  static std::vector<std::string> decodedParts(const std::string& source);
-};
+// The contents of a file, or empty text.
+std::string readFile(const std::string& path);
+
+// The decoded content of every leaf MIME part of `source` in order, as GMime reads it.
+std::vector<std::string> decodedParts(const std::string& source);
 
 // What a walk gave: the messages in order and the paths named as invalid.
 struct Collected {
