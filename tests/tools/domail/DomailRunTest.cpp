@@ -4,7 +4,6 @@
 // a malformed command line).
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <unistd.h>
 
 #include <filesystem>
 
@@ -181,44 +180,33 @@ TEST(DomailRunTest, OddMessagesNeverEndARecordEarlyAndAreAlwaysAnswerable) {
   EXPECT_EQ(run.messages[0].raw, tricky(" "));
 }
 
-// Starts the tool on a five-message mbox and reads its first announcement.
-struct StartedRun {
-  ScratchDir dir;
-  DomailDriver driver{domailPath()};
-  StartedRun() {
-    writeFile(dir / "five.mbox",
-              mbox({message("1"), message("2"), message("3"), message("4"), message("5")}));
-    ToolRequest request;
-    request.sources = {dir / "five.mbox"};
-    EXPECT_TRUE(driver.start(toolArguments(request, dir / "a.log")));
-    EXPECT_TRUE(driver.nextAnnouncement().has_value());
-  }
-  std::string log() { return readFile(dir / "a.log"); }
-};
-
 TEST(DomailRunTest, EndOfInputSignalsAndAClosedOutputEndTheRunCleanly) {
-  {
-    StartedRun run;
-    run.driver.closeInput();
-    EXPECT_EQ(run.driver.wait(30000), 0);
-    EXPECT_EQ(run.log(), "PARSED: 1\n");
-  }
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGPIPE}) {
-    StartedRun run;
-    ASSERT_TRUE(run.driver.signal(signal));
-    EXPECT_EQ(run.driver.wait(30000), 0) << "signal " << signal;
-    EXPECT_EQ(run.log(), "PARSED: 1\n") << "signal " << signal;
-    // The message file still holds the whole record of the announced message.
-    EXPECT_TRUE(StoredRecord::read(readFile(run.dir / "a.tmp")).ended);
-  }
-  {
-    StartedRun run;
-    run.driver.answer();
-    ASSERT_TRUE(run.driver.nextAnnouncement().has_value());
-    run.driver.answer();
-    run.driver.closeOutput();  // the application is gone
-    EXPECT_EQ(run.driver.wait(30000), 0);
-    EXPECT_EQ(run.log(), "PARSED: 3\n");
+  ScratchDir dir;
+  writeFile(dir / "five.mbox",
+            mbox({message("1"), message("2"), message("3"), message("4"), message("5")}));
+  ToolRequest request;
+  request.sources = {dir / "five.mbox"};
+  // Closed input (0), each stop signal, or a closed output after two answers (-1).
+  for (const int ending : {0, SIGTERM, SIGINT, SIGHUP, SIGPIPE, -1}) {
+    SCOPED_TRACE("ending " + std::to_string(ending));
+    const std::string run = dir / std::to_string(ending + 1);
+    DomailDriver driver(domailPath());
+    ASSERT_TRUE(driver.start(toolArguments(request, run + ".log")));
+    ASSERT_TRUE(driver.nextAnnouncement().has_value());
+    if (ending == 0) {
+      driver.closeInput();
+    } else if (ending > 0) {
+      ASSERT_TRUE(driver.signal(ending));
+    } else {
+      driver.answer();
+      ASSERT_TRUE(driver.nextAnnouncement().has_value());
+      driver.answer();
+      driver.closeOutput();  // the application is gone
+    }
+    EXPECT_EQ(driver.wait(30000), 0);
+    EXPECT_EQ(readFile(run + ".log"), ending < 0 ? "PARSED: 3\n" : "PARSED: 1\n");
+    // The message file still holds the whole record of the last announced message.
+    EXPECT_TRUE(StoredRecord::read(readFile(run + ".tmp")).ended);
   }
 }
 

@@ -5,7 +5,6 @@
 
 #include "domail/MessageConverter.h"
 #include "domail/MessageDate.h"
-#include "domail/RecordFormat.h"
 
 namespace quillery::tools {
 namespace {

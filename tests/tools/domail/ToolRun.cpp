@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <sstream>
 
 #include "domail/DomailDriver.h"
 #include "support/TestEnvironment.h"
@@ -69,21 +68,16 @@ ToolOutcome runTool(const ToolRequest& request) {
     if (request.raw) {
       m.raw = StoredRecord::readRaw(readFile(work / "archive.db.raw"));
     }
-    outcome.faults += m.record.ended ? 0 : 1;
-    outcome.faults += driver.wroteBeforeAnswer() ? 1 : 0;
+    outcome.faults += (m.record.ended ? 0 : 1) + (driver.wroteBeforeAnswer() ? 1 : 0);
     outcome.messages.push_back(std::move(m));
     driver.answer();
   }
-  outcome.faults += driver.timedOut() ? 1 : 0;
-  outcome.faults += driver.invalidChunks();
+  outcome.faults += (driver.timedOut() ? 1 : 0) + driver.invalidChunks();
   outcome.attachmentStatuses = driver.attachmentStatuses();
   outcome.exitStatus = driver.wait(60000);
-  std::istringstream log(readFile(runLog));
-  for (std::string line; std::getline(log, line);) {
-    if (line.starts_with("PARSED: ")) {
-      outcome.parsed = std::stol(line.substr(8));
-    }
-  }
+  const std::string log = readFile(runLog);
+  const std::size_t parsed = log.rfind("PARSED: ");  // the last one counts
+  outcome.parsed = parsed == std::string::npos ? -1 : std::stol(log.substr(parsed + 8));
   return outcome;
 }
 

@@ -92,12 +92,10 @@ TEST(CorpusTest, SavedMessagesAreOneMessageEach) {
     ASSERT_EQ(got.messages.size(), 1u) << file.path();
     const std::string& source = got.messages[0].source;
     std::string bytes = readFile(file.path().string());
-    if (!bytes.starts_with("From ")) {
-      EXPECT_TRUE(source == bytes) << file.path();
-      continue;
-    }
-    bytes.erase(0, bytes.find('\n') + 1);
-    EXPECT_TRUE(source == bytes || source + "\n" == bytes || source + "\r\n" == bytes)
+    const bool postmark = bytes.starts_with("From ");
+    bytes.erase(0, postmark ? bytes.find('\n') + 1 : 0);
+    EXPECT_TRUE(source == bytes ||
+                (postmark && (source + "\n" == bytes || source + "\r\n" == bytes)))
         << file.path();
   }
 }
@@ -118,7 +116,6 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
     EXPECT_TRUE(m.plistDateReceived.has_value()) << name;
   }
   EXPECT_EQ(files["114862.emlx"].source, readFile(corpus() + "/emlx/expected/114862.eml"));
-  EXPECT_EQ(files["114862.emlx"].mailbox, "IMAP-sample@imap.example.com/INBOX");
 
   // Every part kept under Attachments/ is back in its message, decoded byte for byte.
   const std::string attachments = mail + "/IMAP-sample@imap.example.com/INBOX.mbox/Attachments";
