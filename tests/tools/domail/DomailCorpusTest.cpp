@@ -1,6 +1,5 @@
-// The tool on the shared corpus's single messages in every charset, against records kept
-// beside this file, driven as the application drives it. How the corpus's mbox files, Apple
-// Mail folders and malformed files are read is checked at the readers (CorpusTest).
+// The tool on the shared corpus's single messages in every charset, driven as the application
+// drives it, against records kept beside this file. The readers' corpus checks are CorpusTest.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -18,7 +18,7 @@ TEST(TextDecodingTest, MailDatesInTheFormsMailUses) {
   setenv("TZ", "America/New_York", 1);
   tzset();
   EXPECT_EQ(MailDate::localText(1'547'028'000), "2019-01-09 05:00:00");
-  setenv("TZ", "UTC", 1);
+  setenv("TZ", "UTC", 1);  // the table below is in UTC
   tzset();
   EXPECT_EQ(MailDate::localText(1'547'028'000), "2019-01-09 10:00:00");
   const std::pair<const char*, const char*> table[] = {

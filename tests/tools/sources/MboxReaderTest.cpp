@@ -126,12 +126,10 @@ TEST_F(MboxReaderTest, LongLinesArriveWholeAndNeverSplitAMessage) {
                                 "From x@y Mon Jan  1 10:00:00 2018\nSubject: not a header\n" +
                                 std::string(3u << 20, 'B') + "\n";
   const std::string one = "Subject: long\n\n\n" + longLines;
-  const std::vector<std::string> messages =
-      read("From a@b Mon Jan  1 10:00:00 2018\n" + one +
-           "\nFrom a@b Mon Jan  1 10:00:00 2018\nSubject: two\n\nshort\n");
-  ASSERT_EQ(messages.size(), 2u);
-  EXPECT_TRUE(messages[0] == "1514800800 " + one) << "the long message was changed";
-  EXPECT_EQ(messages[1], "1514800800 Subject: two\n\nshort\n");
+  EXPECT_TRUE(read("From a@b Mon Jan  1 10:00:00 2018\n" + one +
+                   "\nFrom a@b Mon Jan  1 10:00:00 2018\nSubject: two\n\nshort\n") ==
+              std::vector<std::string>({"1514800800 " + one, "1514800800 Subject: two\n\nshort\n"}))
+      << "the long message was changed or split";
 }
 
 }  // namespace
