@@ -84,7 +84,6 @@ TEST(DomailRunTest, SwitchesChooseMailboxesAndParts) {
   request.mode = ToolRequest::Accounts;
   request.home = home.path();
   request.sources = {"Work", "Mailboxes"};
-  request.trash = false;
   EXPECT_EQ(subjectsOf(request), "work INBOX|work Projects|work Sent Messages|saved");
   request.allMailboxes = false;
   request.trash = true;

@@ -149,10 +149,8 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
 TEST(CorpusTest, MalformedEmlxFilesAreReadAsFarAsTheyGoOrNamed) {
   REQUIRE_CORPUS();
   const std::string dir = corpus() + "/emlx/malformed/";
-  std::vector<std::string> paths;
-  for (const auto& file : fs::directory_iterator(dir)) {
-    paths.push_back(file.path().string());
-  }
+  const std::vector<fs::path> found(fs::directory_iterator(dir), {});
+  const std::vector<std::string> paths(found.begin(), found.end());
   Collected got;
   ASSERT_TRUE(tools::walkMboxFiles(paths, got.sink(), got.invalidSink(), {}));
   EXPECT_EQ(got.invalid, std::vector<std::string>{dir + "invalid.emlx"});
