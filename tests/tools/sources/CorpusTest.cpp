@@ -13,12 +13,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string corpus() {
-  return test::corpusDir().toStdString();
-}
-
+// Names the corpus folder `corpus`, or skips the test when it is absent.
 #define REQUIRE_CORPUS()                                                                      \
-  if (corpus().empty()) {                                                                     \
+  const std::string corpus = test::corpusDir().toStdString();                                 \
+  if (corpus.empty()) {                                                                       \
     GTEST_SKIP() << "the shared mail corpus is absent (../shared/corpus or QUILLERY_CORPUS)"; \
   }
 
@@ -42,7 +40,7 @@ std::map<std::string, tools::RawMessage> byFileName(std::vector<tools::RawMessag
 
 TEST(CorpusTest, MboxFilesGiveTheMessagesACarefulReaderFinds) {
   REQUIRE_CORPUS();
-  const std::string dir = corpus() + "/mbox/";
+  const std::string dir = corpus + "/mbox/";
   const std::map<std::string, std::size_t> counts = {
       {"users_ponymail_apache_org_2022-01.mbox", 6},
       {"users_ponymail_apache_org_2019-09.mbox", 4},
@@ -86,7 +84,7 @@ TEST(CorpusTest, MboxFilesGiveTheMessagesACarefulReaderFinds) {
 // ends a message in an mbox.
 TEST(CorpusTest, SavedMessagesAreOneMessageEach) {
   REQUIRE_CORPUS();
-  for (const auto& file : fs::directory_iterator(corpus() + "/mime")) {
+  for (const auto& file : fs::directory_iterator(corpus + "/mime")) {
     Collected got;
     tools::walkMboxFiles({file.path().string()}, got.sink(), got.invalidSink(), {});
     ASSERT_EQ(got.messages.size(), 1u) << file.path();
@@ -102,7 +100,7 @@ TEST(CorpusTest, SavedMessagesAreOneMessageEach) {
 
 TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
   REQUIRE_CORPUS();
-  const std::string mail = corpus() + "/emlx/Mail";
+  const std::string mail = corpus + "/emlx/Mail";
   Collected got;
   ASSERT_TRUE(tools::walkAccounts(mail,
                                   {"IMAP-sample@imap.example.com", "POP-sample@pop.example.com"},
@@ -115,7 +113,7 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
     EXPECT_EQ(m.source.find("DTD PLIST"), std::string::npos) << name;
     EXPECT_TRUE(m.plistDateReceived.has_value()) << name;
   }
-  EXPECT_EQ(files["114862.emlx"].source, readFile(corpus() + "/emlx/expected/114862.eml"));
+  EXPECT_EQ(files["114862.emlx"].source, readFile(corpus + "/emlx/expected/114862.eml"));
 
   // Every part kept under Attachments/ is back in its message, decoded byte for byte.
   const std::string attachments = mail + "/IMAP-sample@imap.example.com/INBOX.mbox/Attachments";
@@ -143,12 +141,12 @@ TEST(CorpusTest, AppleMailFoldersGiveEveryMessageWhole) {
     return out;
   };
   EXPECT_TRUE(parts(files["114892.partial.emlx"].source) ==
-              parts(readFile(corpus() + "/emlx/expected/114892.eml")));
+              parts(readFile(corpus + "/emlx/expected/114892.eml")));
 }
 
 TEST(CorpusTest, MalformedEmlxFilesAreReadAsFarAsTheyGoOrNamed) {
   REQUIRE_CORPUS();
-  const std::string dir = corpus() + "/emlx/malformed/";
+  const std::string dir = corpus + "/emlx/malformed/";
   const std::vector<fs::path> found(fs::directory_iterator(dir), {});
   const std::vector<std::string> paths(found.begin(), found.end());
   Collected got;
