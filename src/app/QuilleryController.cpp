@@ -172,7 +172,8 @@ void QuilleryController::bindPanels() {
       {IdPanel->okButton, "gotID"},
       {IdPanel->cancelButton, "cancelID"},
       {storePanel->viewOrigButton, "viewOrig"}};
-  for (const auto& [button, name] : pending) {
+  for (const auto& item : pending) {
+    QPushButton* button = item.first;
     connect(button, &QPushButton::clicked, this,
             [this, button] { notYetAvailable(button->text()); });
   }
