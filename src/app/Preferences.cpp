@@ -7,6 +7,7 @@
 
 #include "app/SetupPanel.h"
 #include "ingest/MailSources.h"
+#include "ingest/StorePaths.h"
 #include "platform/Dialogs.h"
 #include "platform/Settings.h"
 #include "search/CategoryList.h"
@@ -105,8 +106,9 @@ void Preferences::refillSources() {
     panel_.showSources(sources_.sourceList, all);
     return;
   }
-  const QList<int> rows =
-      sources_.listMailboxes(values_.mailboxList, dbPath() + QStringLiteral(".tmp"));
+  // findmail's list goes to the file the store run later uses for its records.
+  const QList<int> rows = sources_.listMailboxes(
+      values_.mailboxList, ingest::StorePaths::forArchive(dbPath()).messageFile);
   panel_.showSources(sources_.sourceList, rows);
 }
 

@@ -218,14 +218,12 @@ void QuilleryController::applicationWillTerminate() {
   // First, and also for a tool that has just ended unnoticed: the run commits what it stored
   // before saving reads the categories, which may reopen the archive and so roll it back.
   storeRun_->terminateParser();
-  QStringList archives{dbPath()};
-  if (!runDbPath_.isEmpty() && runDbPath_ != archives.constFirst())
-    archives.append(runDbPath_);
-  for (const QString& path : std::as_const(archives)) {
-    const ingest::StorePaths run = ingest::StorePaths::forArchive(path);
-    for (const QString& file : {run.messageFile, run.rawFile, run.runLog})
-      ports_.files.remove(file);
-  }
+  QStringList files = ingest::StorePaths::forArchive(dbPath()).workFiles();
+  const ingest::StorePaths& lastRun = storeRun_->lastRunPaths();
+  if (!lastRun.dbPath.isEmpty() && lastRun.dbPath != dbPath())
+    files += lastRun.workFiles();
+  for (const QString& file : std::as_const(files))
+    ports_.files.remove(file);
   preferences_->savePreferences();
   frames_->saveAll();
 }
@@ -377,10 +375,8 @@ void QuilleryController::parseEmail() {
                                        prefs.htmlState != 0,  prefs.trashState != 0,
                                        prefs.origState != 0,  prefs.mailboxesState != 0};
   const ingest::StoreSources sources{prefs.accountList, prefs.mailboxList};
-  if (storeRun_->parseEmail(dbPath(), switches, storeDatePanel->range(), sources)) {
+  if (storeRun_->parseEmail(dbPath(), switches, storeDatePanel->range(), sources))
     preferences_->setMailboxListingBlocked(true);
-    runDbPath_ = dbPath();
-  }
 }
 
 void QuilleryController::cancelParse() {

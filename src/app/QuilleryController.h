@@ -177,8 +177,6 @@ class QuilleryController : public QObject {
   std::unique_ptr<WindowFrames> frames_;
   std::unique_ptr<StorePanelBinding> storeBinding_;
   QFontDialog* fontPanel_ = nullptr;
-  // The archive path of the run started last; the path may have changed since.
-  QString runDbPath_;
 };
 
 }  // namespace quillery::app

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace quillery::ingest {
 
@@ -11,6 +12,9 @@ struct StorePaths {
   QString rawFile;      // archive path + ".raw": that message's source
   QString runLog;       // archive path + ".log": the parser tool's log
   QString storeLog;     // archive path + ".storelog": the run's summary and SQL errors
+
+  // The files a run makes and deletes at its end: the record files and the tool's log.
+  QStringList workFiles() const { return {messageFile, rawFile, runLog}; }
 
   static StorePaths forArchive(const QString& dbPath) {
     return {dbPath, dbPath + QStringLiteral(".tmp"), dbPath + QStringLiteral(".raw"),

@@ -258,12 +258,23 @@ void StoreRun::cancelParse() {
   archive_.openFailed = true;
 }
 
-void StoreRun::terminateParser() {
-  if (!parserTask_)
-    return;
+QProcess* StoreRun::detachTask() {
   QProcess* task = parserTask_;
   parserTask_ = nullptr;
   task->disconnect(this);
+  task->deleteLater();
+  return task;
+}
+
+void StoreRun::commitStored() {
+  logSqlError(QStringLiteral("COMMIT TRANSACTION"));
+  archive_.storeRunUnderWay = false;
+}
+
+void StoreRun::terminateParser() {
+  if (!parserTask_)
+    return;
+  QProcess* task = detachTask();
   if (task->state() != QProcess::NotRunning) {
     task->terminate();
     // Quitting only: the tool ends at once on SIGTERM; a hung one is killed.
@@ -272,10 +283,8 @@ void StoreRun::terminateParser() {
       task->waitForFinished(1000);
     }
   }
-  task->deleteLater();
   // What was stored is kept, as when the user cancels.
-  logSqlError(QStringLiteral("COMMIT TRANSACTION"));
-  archive_.storeRunUnderWay = false;
+  commitStored();
   storeLog_.close();
 }
 
@@ -375,13 +384,8 @@ void StoreRun::taskCompleted() {
     completionPending_ = true;
     return;
   }
-  QProcess* task = parserTask_;
-  parserTask_ = nullptr;
-  task->disconnect(this);
-  task->deleteLater();
-
-  logSqlError(QStringLiteral("COMMIT TRANSACTION"));
-  archive_.storeRunUnderWay = false;
+  detachTask();
+  commitStored();
   progress_.close();
   mboxMode = false;
   listStoredMessages();
@@ -389,9 +393,8 @@ void StoreRun::taskCompleted() {
 
   QStringList invalidPaths;
   StoreSummary::readRunLog(paths_.runLog, counters_, invalidPaths);
-  QFile::remove(paths_.runLog);
-  QFile::remove(paths_.messageFile);
-  QFile::remove(paths_.rawFile);
+  for (const QString& file : paths_.workFiles())
+    QFile::remove(file);
 
   const QString summary = StoreSummary::compose(counters_, lastProgressText, invalidPaths);
   storeLog_.write(summary);

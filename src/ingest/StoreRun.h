@@ -102,6 +102,9 @@ class StoreRun : public QObject {
   // then ends as every run does, committing what was stored.
   void stopParserNow();
   bool isRunning() const;
+  // The files of the run started last (all empty before the first); the archive path may
+  // have changed since.
+  const StorePaths& lastRunPaths() const { return paths_; }
 
   // The tool's arguments after its own path, as parseEmail passes them; the run log path is
   // the one of the run begun last.
@@ -135,6 +138,10 @@ class StoreRun : public QObject {
   void taskDataAvailable();
   void taskCompleted();
   void resumeAfterStoring();
+  // Takes the tool's process out of the run (no more signals) and deletes it later.
+  QProcess* detachTask();
+  // Ends the run's transaction, keeping what was stored, and frees the connection.
+  void commitStored();
   void sendData(const QString& text);
   void listStoredMessages();
   void logSqlError(const QString& statement);
