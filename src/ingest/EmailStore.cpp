@@ -4,12 +4,12 @@
 
 #include "archive/Archive.h"
 #include "archive/RowCallbacks.h"
-#include "ingest/LinePieces.h"
-#include "ingest/SqlText.h"
 #include "ingest/StoreLog.h"
-#include "ingest/StoreSummary.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
+#include "text/LeadingInt.h"
+#include "text/LinePieces.h"
+#include "text/SqlEscape.h"
 
 namespace quillery::ingest {
 namespace {
@@ -30,7 +30,7 @@ void appendQuoted(QString& statement, const QString& value) {
 void appendQuotedEscaped(QString& statement, const QString& value) {
   statement.reserve(statement.size() + value.size() + value.size() / 16 + 8);
   statement += QLatin1Char('"');
-  SqlText::appendEscaped(statement, value);
+  text::SqlEscape::appendEscaped(statement, value);
   statement += QLatin1Char('"');
 }
 
@@ -41,7 +41,7 @@ void appendQuotedEscaped(QString& statement, const QString& value) {
 QString rawSourceText(QByteArrayView bytes) {
   QString source;
   source.reserve(bytes.size());
-  LinePieces pieces(bytes);
+  text::LinePieces pieces(bytes);
   QByteArrayView piece;
   const char* runStart = bytes.data();
   const auto closeRun = [&](const char* runEnd) {
@@ -100,14 +100,14 @@ void EmailStore::storeEmail(int numAttach) {
   headers_ = {m.recFrom, m.recTo, m.recSubject, m.recMailto, m.recMailbox};
   for (QString* field :
        {&headers_.from, &headers_.to, &headers_.subject, &headers_.mailto, &headers_.mailbox})
-    SqlText::escapeSqlText(*field);
+    text::SqlEscape::escapeSqlText(*field);
 
   const archive::ExecResult found =
       archive_.exec(duplicateStatement(m.recDate, headers_.to, headers_.from, headers_.subject),
                     archive::singleValueCallback, &archive_);
   if (!found.ok())
     storeLog_.write(QStringLiteral("SQL error: ") + found.error + QLatin1Char('\n'));
-  const int duplicate = StoreSummary::leadingInt(archive_.sqlResult);
+  const int duplicate = text::leadingInt(archive_.sqlResult);
   if (duplicate != 0)
     replaceDuplicate(duplicate);
 
@@ -157,7 +157,7 @@ bool EmailStore::insertEmail(int numAttach) {
       appendQuoted(statement, *value);
     }
     // Header values lose their line ends (the mailbox carries one); the body keeps them.
-    SqlText::removeNewlines(statement);
+    text::SqlEscape::removeNewlines(statement);
     statement += QLatin1Char(',');
     appendQuotedEscaped(statement, m.storeBody);
     statement += QLatin1Char(',') + QString::number(numAttach) + QLatin1Char(')');
@@ -194,11 +194,11 @@ bool EmailStore::insertTags() {
   appendQuoted(statement, m.tagCategory);
   statement += QLatin1Char(',');
   appendQuoted(statement, m.tagKeywords);
-  statement += QLatin1Char(',') + QString::number(StoreSummary::leadingInt(m.tagPriority)) +
-               QLatin1Char(',');
+  statement +=
+      QLatin1Char(',') + QString::number(text::leadingInt(m.tagPriority)) + QLatin1Char(',');
   appendQuoted(statement, m.tagNotes);
   statement += QLatin1Char(')');
-  SqlText::removeNewlines(statement);
+  text::SqlEscape::removeNewlines(statement);
   const archive::ExecResult result = archive_.exec(statement);
   if (result.ok())
     return true;
@@ -209,7 +209,7 @@ bool EmailStore::insertTags() {
 void EmailStore::loadRawFile() {
   if (!origState_)
     return;
-  rawBytes_ = LinePieces::readFile(paths_.rawFile);
+  rawBytes_ = text::LinePieces::readFile(paths_.rawFile);
   rawLoaded_ = true;
 }
 
@@ -220,7 +220,7 @@ void EmailStore::releaseRawFile() {
 
 bool EmailStore::insertRawSource() {
   const std::optional<QByteArray> bytes =
-      rawLoaded_ ? rawBytes_ : LinePieces::readFile(paths_.rawFile);
+      rawLoaded_ ? rawBytes_ : text::LinePieces::readFile(paths_.rawFile);
   if (!bytes) {
     dialogs_.critical(QString(), QStringLiteral("Couldn't open ") + paths_.rawFile);
     progress_.close();
@@ -251,8 +251,8 @@ void EmailStore::doAttachment(const QString& attachText) {
   CurrentMessage& m = message_;
   const int encoded = m.attachEncoding.contains(QLatin1String("base64"), Qt::CaseInsensitive);
   QString filename = m.attachFilename;
-  SqlText::escapeSqlText(filename);
-  SqlText::removeNewlines(filename);
+  text::SqlEscape::escapeSqlText(filename);
+  text::SqlEscape::removeNewlines(filename);
   // The type goes in unescaped.
   QString statement =
       QStringLiteral(
@@ -263,7 +263,7 @@ void EmailStore::doAttachment(const QString& attachText) {
   statement += QLatin1Char(',');
   appendQuoted(statement, filename);
   statement += QLatin1Char(',') + QString::number(encoded);
-  SqlText::removeNewlines(statement);
+  text::SqlEscape::removeNewlines(statement);
   statement += QLatin1Char(',');
   appendQuotedEscaped(statement, attachText);
   statement += QLatin1Char(')');

@@ -4,9 +4,9 @@
 
 #include "archive/Archive.h"
 #include "ingest/EmailStore.h"
-#include "ingest/LinePieces.h"
 #include "ingest/StoreLog.h"
 #include "platform/Progress.h"
+#include "text/LinePieces.h"
 
 namespace quillery::ingest {
 
@@ -75,11 +75,11 @@ RecordReader::RecordReader(EmailStore& store, archive::Archive& archive, Current
 
 int RecordReader::doOneEmail(const QString& messageFilePath,
                              const std::function<void()>& filesRead) {
-  const std::optional<QByteArray> bytes = LinePieces::readFile(messageFilePath);
+  const std::optional<QByteArray> bytes = text::LinePieces::readFile(messageFilePath);
   if (!bytes)
     return 0;
-  std::optional<QString> utf8 = LinePieces::strictUtf8(*bytes);
-  const QString record = utf8 ? std::move(*utf8) : LinePieces::decodeAll(*bytes);
+  std::optional<QString> utf8 = text::LinePieces::strictUtf8(*bytes);
+  const QString record = utf8 ? std::move(*utf8) : text::LinePieces::decodeAll(*bytes);
   store_.loadRawFile();
   if (filesRead)
     filesRead();

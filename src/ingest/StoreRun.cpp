@@ -2,7 +2,6 @@
 
 #include <QFile>
 #include <QProcessEnvironment>
-#include <QStringDecoder>
 #include <cstdio>
 
 #include "archive/Archive.h"
@@ -10,9 +9,11 @@
 #include "ingest/EmailStore.h"
 #include "ingest/RecordReader.h"
 #include "ingest/StoreSummary.h"
+#include "ingest/ToolChunk.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
 #include "search/ResultList.h"
+#include "text/LeadingInt.h"
 
 namespace quillery::ingest {
 
@@ -70,7 +71,7 @@ std::optional<StoreDate> StoreRun::setStoreDate(const QString& dbPath) {
         QStringLiteral("SELECT MAX(date_fld) FROM email"), archive::singleValueCallback, &archive_);
     if (!result.ok()) {
       std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
-    } else if (StoreSummary::leadingInt(archive_.sqlResult) != 0) {
+    } else if (text::leadingInt(archive_.sqlResult) != 0) {
       const QString newest = archive_.sqlResult;
       begin = StoreDate{newest.mid(5, 2), newest.mid(8, 2), newest.mid(0, 4)};
       Q_EMIT beginStoreDateSelected(begin->year, begin->month, begin->day);
@@ -311,26 +312,18 @@ void StoreRun::taskDataAvailable() {
   }
   if (chunk.isEmpty())
     return;
-  QStringDecoder utf8(QStringDecoder::Utf8);
-  QString text = utf8.decode(chunk);
-  if (utf8.hasError())
-    text = QStringLiteral("file path\nsubject line");
-
-  const QString attachmentMark = QStringLiteral("attachment\n");
-  if (text.endsWith(attachmentMark)) {
+  const ToolChunk said = ToolChunk::read(chunk);
+  if (said.kind == ToolChunk::Kind::AttachmentStatus) {
     progressTitle = QStringLiteral("Processing attachment or HTML...");
     progress_.setTitle(progressTitle);
     return;
   }
-  if (text.endsWith(QLatin1String("Looking for email"))) {
+  if (said.kind == ToolChunk::Kind::SearchingStatus) {
     progressTitle = QStringLiteral("Looking for email files...");
     progress_.setTitle(progressTitle);
     return;
   }
-  // A status written just before an announcement may arrive with it in one read.
-  const QLatin1String lookingMark("Looking for email");
-  while (text.startsWith(attachmentMark) || text.startsWith(lookingMark))
-    text.remove(0, text.startsWith(attachmentMark) ? attachmentMark.size() : lookingMark.size());
+  const QString& text = said.announcement;
   // The answer goes out as soon as both record files have been read: the tool then writes
   // its next message while this one is stored, and neither waits for the other.
   bool answered = false;

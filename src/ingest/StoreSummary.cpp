@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include "text/LeadingInt.h"
+
 namespace quillery::ingest {
 
 namespace {
@@ -25,7 +27,7 @@ bool StoreSummary::readRunLog(const QString& path, StoreRunCounters& counters,
         if (invalidPaths.size() < kListedInvalidFiles)
           invalidPaths.append(line.mid(9));
       } else if (line.startsWith(QLatin1String("PARSED:"))) {
-        counters.parsedCount = leadingInt(line.mid(7));
+        counters.parsedCount = text::leadingInt(line.mid(7));
       }
     }
   }
@@ -52,24 +54,6 @@ QString StoreSummary::compose(const StoreRunCounters& counters, const QString& l
       summary += QStringLiteral("...\n");
   }
   return summary;
-}
-
-int StoreSummary::leadingInt(const QString& text) {
-  qsizetype i = 0;
-  while (i < text.size() && text.at(i).isSpace())
-    ++i;
-  bool negative = false;
-  if (i < text.size() && (text.at(i) == QLatin1Char('-') || text.at(i) == QLatin1Char('+'))) {
-    negative = text.at(i) == QLatin1Char('-');
-    ++i;
-  }
-  long long value = 0;
-  for (; i < text.size() && text.at(i) >= QLatin1Char('0') && text.at(i) <= QLatin1Char('9'); ++i) {
-    value = value * 10 + (text.at(i).unicode() - '0');
-    if (value > 2147483647LL)
-      return negative ? -2147483647 - 1 : 2147483647;  // saturates like strtol
-  }
-  return static_cast<int>(negative ? -value : value);
 }
 
 }  // namespace quillery::ingest

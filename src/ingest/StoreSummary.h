@@ -28,10 +28,6 @@ class StoreSummary {
   // files, their number, the kept paths and "...\n" when more than six were reported.
   static QString compose(const StoreRunCounters& counters, const QString& lastProgressText,
                          const QStringList& invalidPaths);
-
-  // The integer at the start of text, after blanks and an optional sign, as C's atoi reads
-  // it: "2023-05-01" gives 2023 and text without leading digits gives 0.
-  static int leadingInt(const QString& text);
 };
 
 }  // namespace quillery::ingest

@@ -5,12 +5,12 @@
 
 #include "archive/Archive.h"
 #include "ingest/EmailStore.h"
-#include "ingest/LinePieces.h"
 #include "ingest/RecordReader.h"
 #include "ingest/StoreLog.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
 #include "platform/qt/QtFiles.h"
+#include "text/LinePieces.h"
 
 namespace {
 
@@ -56,8 +56,8 @@ struct Run {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static Run run;
   const QByteArrayView bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-  std::optional<QString> utf8 = ingest::LinePieces::strictUtf8(bytes);
-  run.reader.storeInDB(utf8 ? *utf8 : ingest::LinePieces::decodeAll(bytes));
+  std::optional<QString> utf8 = text::LinePieces::strictUtf8(bytes);
+  run.reader.storeInDB(utf8 ? *utf8 : text::LinePieces::decodeAll(bytes));
   // Keeps the archive small over millions of inputs.
   if (run.counters.storedCount > 1000) {
     run.archive.exec(

@@ -4,7 +4,7 @@
 #include <QChar>
 #include <QString>
 
-namespace quillery::ingest {
+namespace quillery::text {
 
 // The platform's default 8-bit encoding, the fallback for bytes that are not UTF-8. It is
 // Windows-1252 as Windows and the WHATWG encoding standard define it: the five bytes that
@@ -17,4 +17,4 @@ class Windows1252 {
   static QString toString(QByteArrayView bytes);
 };
 
-}  // namespace quillery::ingest
+}  // namespace quillery::text

@@ -6,7 +6,7 @@
 #include <QStringDecoder>
 #include <optional>
 
-namespace quillery::ingest {
+namespace quillery::text {
 
 // The bytes of a record-stream file cut into line pieces the way the C library's fgets cuts
 // them with a 30,000-byte buffer: a piece runs through the next line end, or stops after
@@ -43,4 +43,4 @@ class LinePieces {
   QStringDecoder utf8_;
 };
 
-}  // namespace quillery::ingest
+}  // namespace quillery::text

@@ -1,15 +1,17 @@
-// The text rules shared by storing and the exports: escaping, the plist trailer, and the
+// The text rules shared by storing, the exports and the merge: escaping, the plist trailer, and the
 // line pieces with their two decodings.
 #include <gtest/gtest.h>
 
 #include <QList>
 #include <initializer_list>
 
-#include "ingest/LinePieces.h"
-#include "ingest/SqlText.h"
-#include "ingest/Windows1252.h"
+#include "text/LeadingInt.h"
+#include "text/LinePieces.h"
+#include "text/PlistTrailer.h"
+#include "text/SqlEscape.h"
+#include "text/Windows1252.h"
 
-namespace quillery::ingest {
+namespace quillery::text {
 namespace {
 
 // Named cases of a rule that rewrites a text in place.
@@ -25,21 +27,21 @@ void expectRows(void (*rule)(QString&), std::initializer_list<Row> rows) {
   }
 }
 
-TEST(SqlTextTest, EscapingDoublesBackslashesFirstThenQuotes) {
-  expectRows(SqlText::escapeSqlText, {{"windows path", "C:\\temp", "C:\\\\temp"},
-                                      {"quotes", "say \"hi\"", "say \"\"hi\"\""},
-                                      {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
-                                      {"nothing to do", "plain 'single'", "plain 'single'"}});
+TEST(SqlEscapeTest, EscapingDoublesBackslashesFirstThenQuotes) {
+  expectRows(SqlEscape::escapeSqlText, {{"windows path", "C:\\temp", "C:\\\\temp"},
+                                        {"quotes", "say \"hi\"", "say \"\"hi\"\""},
+                                        {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
+                                        {"nothing to do", "plain 'single'", "plain 'single'"}});
 }
 
-TEST(SqlTextTest, StripPlistCutsFromTheXmlNearTheMarker) {
+TEST(PlistTrailerTest, StripPlistCutsFromTheXmlNearTheMarker) {
   const QString plist = QStringLiteral(
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple "
       "Computer//DTD PLIST 1.0//EN\">\n<plist/>\n");
   const QString message = QStringLiteral("Subject: s\n\nbody\n");
   const QString early = QStringLiteral("Subject: <?xml in the text\n") + QString(150, 'x') + '\n';
   expectRows(
-      SqlText::stripPlist,
+      PlistTrailer::stripPlist,
       {{"trailer after a message", message + QString(100, 'y') + plist,
         message + QString(100, 'y')},
        {"xml earlier than 100 before the marker is text", early + plist, early},
@@ -67,5 +69,21 @@ TEST(LinePiecesTest, LongLinesArriveInPiecesAndOnlyStrictUtf8IsTakenAsIs) {
             QStringLiteral("€\u0081\u008dŸ\u00a0éÿ"));
 }
 
+TEST(LeadingIntTest, CountsDatesAndPrioritiesAreReadAsAtoiReadsThem) {
+  const struct {
+    const char* name;
+    const char* text;
+    int value;
+  } rows[] = {{"a date gives its year", "2021-11-05 10:00:00", 2021},
+              {"blanks before, a line end after", " 123\n", 123},
+              {"a sign and text after", "-4x", -4},
+              {"no digits", "abc", 0},
+              {"empty", "", 0},
+              {"beyond int saturates", "99999999999", 2147483647},
+              {"below int saturates", "-99999999999", -2147483647 - 1}};
+  for (const auto& row : rows)
+    EXPECT_EQ(leadingInt(QString::fromUtf8(row.text)), row.value) << row.name;
+}
+
 }  // namespace
-}  // namespace quillery::ingest
+}  // namespace quillery::text

@@ -1,8 +1,8 @@
-#include "ingest/SqlText.h"
+#include "text/SqlEscape.h"
 
-namespace quillery::ingest {
+namespace quillery::text {
 
-void SqlText::appendEscaped(QString& out, QStringView text) {
+void SqlEscape::appendEscaped(QString& out, QStringView text) {
   // Doubling every backslash and then every double quote is the same as doubling each of
   // them in one pass. The searches run over whole stretches (attachments are long and
   // mostly free of both), and the stretches between are copied as they are.
@@ -25,7 +25,7 @@ void SqlText::appendEscaped(QString& out, QStringView text) {
   out.append(text.mid(from));
 }
 
-void SqlText::escapeSqlText(QString& text) {
+void SqlEscape::escapeSqlText(QString& text) {
   if (!text.contains(u'\\') && !text.contains(u'"'))
     return;  // untouched and still shared
   QString escaped;
@@ -34,14 +34,4 @@ void SqlText::escapeSqlText(QString& text) {
   text = std::move(escaped);
 }
 
-void SqlText::stripPlist(QString& source) {
-  const qsizetype marker = source.indexOf(QLatin1String("Apple Computer//DTD PLIST"));
-  const qsizetype searchStart = marker - 100;
-  if (marker < 0 || searchStart < 0)
-    return;
-  const qsizetype xml = source.indexOf(QLatin1String("<?xml"), searchStart);
-  if (xml >= 1 && xml < source.size())
-    source.truncate(xml);
-}
-
-}  // namespace quillery::ingest
+}  // namespace quillery::text

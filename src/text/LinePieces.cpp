@@ -1,11 +1,11 @@
-#include "ingest/LinePieces.h"
+#include "text/LinePieces.h"
 
 #include <QFile>
 #include <cstring>
 
-#include "ingest/Windows1252.h"
+#include "text/Windows1252.h"
 
-namespace quillery::ingest {
+namespace quillery::text {
 namespace {
 
 // Stateless: every piece stands alone, and a sequence cut off at its end is an error rather
@@ -90,4 +90,4 @@ std::optional<QByteArray> LinePieces::readFile(const QString& path) {
   return bytes;
 }
 
-}  // namespace quillery::ingest
+}  // namespace quillery::text

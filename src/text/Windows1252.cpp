@@ -1,6 +1,6 @@
-#include "ingest/Windows1252.h"
+#include "text/Windows1252.h"
 
-namespace quillery::ingest {
+namespace quillery::text {
 namespace {
 
 // 0x80 to 0x9F; every other byte is the Latin-1 character of the same number.
@@ -26,4 +26,4 @@ QString Windows1252::toString(QByteArrayView bytes) {
   return text;
 }
 
-}  // namespace quillery::ingest
+}  // namespace quillery::text
