@@ -24,6 +24,7 @@
 #include <string>
 
 #include "archive/Archive.h"
+#include "archive/Statements.h"
 #include "ingest/StoreRun.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
@@ -223,9 +224,7 @@ void listPass(const QString& dbPath) {
   archive::Archive archive(dialogs, files);
   search::ResultList list(archive, dialogs, progress);
   archive.openDB(dbPath);
-  archive.sqlText = QStringLiteral(
-      "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-      "mailbox END),numAttach FROM email ORDER BY id");
+  archive.sqlText = archive::listAllStatement();
   QElapsedTimer clock;
   clock.start();
   list.retrieve(dbPath);

@@ -16,6 +16,7 @@
 #include "app/MainWindow.h"
 #include "app/QuilleryController.h"
 #include "archive/Archive.h"
+#include "archive/Statements.h"
 #include "platform/qt/QtDialogs.h"
 #include "platform/qt/QtFiles.h"
 #include "platform/qt/QtPasteboard.h"
@@ -47,9 +48,7 @@ int main(int argc, char** argv) {
     const QString archivePath = QFileInfo(QString::fromLocal8Bit(argv[2])).absoluteFilePath();
     controller.applicationOpenFile(archivePath);
     controller.archive.openDB(archivePath);
-    controller.archive.sqlText = QStringLiteral(
-        "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-        "mailbox END),numAttach FROM email ORDER BY id");
+    controller.archive.sqlText = archive::listAllStatement();
     QElapsedTimer clock;
     clock.start();
     controller.resultList().retrieve(archivePath);

@@ -69,6 +69,28 @@ long long Archive::lastInsertRowId() const {
 }
 
 void Archive::openDB(const QString& dbPath) {
+  const OpenStatus status = openArchive(dbPath);
+  if (status.ok())
+    return;
+  reportOpenFailure(status, dbPath);
+  openFailed = true;
+}
+
+OpenStatus Archive::openArchive(const QString& dbPath) {
+  OpenStatus status = openFile(dbPath);
+  if (!status.ok())
+    return status;
+  // The email table comes first: only a file that has one can be of the old format, and
+  // such a file must be refused before anything else is written to it.
+  status = ensureTable("SELECT id FROM email LIMIT 1", kCreateEmail);
+  if (!status.ok())
+    return status;
+  if (!hasCurrentFormat())
+    return {OpenStatus::Outcome::OldFormat, 0, {}};
+  return createMissingTables();
+}
+
+OpenStatus Archive::openFile(const QString& dbPath) {
   close();
   const QByteArray path = dbPath.toUtf8();
   // SQLite would take an empty name as a private temporary database; for the user it is
@@ -78,54 +100,85 @@ void Archive::openDB(const QString& dbPath) {
   if (code != SQLITE_OK) {
     const QString error = QString::fromUtf8(archiveConnection ? sqlite3_errmsg(archiveConnection)
                                                               : sqlite3_errstr(code));
-    if (!isNotADatabase(code) && !dbPath.isEmpty()) {
-      dialogs_.critical(QString(), QStringLiteral("SQL Error: %1 %2").arg(dbPath, error));
-    } else {
-      dialogs_.critical(QStringLiteral("Open Failed"),
-                        QStringLiteral("%1 is not a valid database file.").arg(dbPath));
-    }
     // A failed open still hands back a handle that must be released.
     close();
-    openFailed = true;
-    return;
+    return {OpenStatus::Outcome::CannotOpen, code, error};
   }
   setFileCreator(dbPath);
-
-  if (!ensureTable("SELECT id FROM email LIMIT 1", kCreateEmail))
-    return;
-  if (!exec(QStringLiteral("SELECT numAttach FROM email LIMIT 1")).ok()) {
-    dialogs_.critical(QStringLiteral("Open Failed"), QString::fromUtf8(kOldFormatMessage));
-    openFailed = true;
-    return;
-  }
-  if (!ensureTable("SELECT id FROM attachments LIMIT 1", kCreateAttachments))
-    return;
-  if (!ensureTable("SELECT id FROM origemail LIMIT 1", kCreateOrigemail))
-    return;
-  if (!ensureTable("SELECT id FROM tags LIMIT 1", kCreateTags))
-    return;
-  ensureIndexes();
+  return {};
 }
 
-bool Archive::ensureTable(const char* probe, const char* create) {
+bool Archive::hasCurrentFormat() {
+  return exec(QStringLiteral("SELECT numAttach FROM email LIMIT 1")).ok();
+}
+
+OpenStatus Archive::createMissingTables() {
+  const std::pair<const char*, const char*> tables[] = {
+      {"SELECT id FROM email LIMIT 1", kCreateEmail},
+      {"SELECT id FROM attachments LIMIT 1", kCreateAttachments},
+      {"SELECT id FROM origemail LIMIT 1", kCreateOrigemail},
+      {"SELECT id FROM tags LIMIT 1", kCreateTags}};
+  for (const auto& [probe, create] : tables) {
+    const OpenStatus status = ensureTable(probe, create);
+    if (!status.ok())
+      return status;
+  }
+  ensureIndexes();
+  return {};
+}
+
+OpenStatus Archive::ensureTable(const char* probe, const char* create) {
   if (exec(QString::fromUtf8(probe)).ok())
-    return true;
+    return {};
   const ExecResult created = exec(QString::fromUtf8(create));
   if (created.ok())
-    return true;
-  reportCreateFailure(created);
-  openFailed = true;
-  return false;
+    return {};
+  const auto outcome = isNotADatabase(created.code) ? OpenStatus::Outcome::NotADatabase
+                                                    : OpenStatus::Outcome::CreateFailed;
+  return {outcome, created.code, created.error};
 }
 
-void Archive::reportCreateFailure(const ExecResult& result) {
-  if (isNotADatabase(result.code)) {
-    dialogs_.critical(QStringLiteral("Open Failed"),
-                      QStringLiteral("This is not a valid database file."));
-  } else {
-    dialogs_.critical(QString(),
-                      QStringLiteral("SQL Error: %1 %2").arg(result.code).arg(result.error));
+void Archive::reportOpenFailure(const OpenStatus& status, const QString& path) {
+  switch (status.outcome) {
+    case OpenStatus::Outcome::Opened:
+      return;
+    case OpenStatus::Outcome::CannotOpen:
+      if (!isNotADatabase(status.code) && !path.isEmpty()) {
+        dialogs_.critical(QString(), QStringLiteral("SQL Error: %1 %2").arg(path, status.error));
+      } else {
+        dialogs_.critical(QStringLiteral("Open Failed"),
+                          QStringLiteral("%1 is not a valid database file.").arg(path));
+      }
+      return;
+    case OpenStatus::Outcome::NotADatabase:
+      dialogs_.critical(QStringLiteral("Open Failed"),
+                        QStringLiteral("This is not a valid database file."));
+      return;
+    case OpenStatus::Outcome::OldFormat:
+      dialogs_.critical(QStringLiteral("Open Failed"), QString::fromUtf8(kOldFormatMessage));
+      return;
+    case OpenStatus::Outcome::CreateFailed:
+      dialogs_.critical(QString(),
+                        QStringLiteral("SQL Error: %1 %2").arg(status.code).arg(status.error));
+      return;
   }
+}
+
+bool Archive::deleteMessageRows(int id, std::initializer_list<MessageTable> tables,
+                                const std::function<bool(const ExecResult&)>& onFailure) {
+  static constexpr const char* kNames[] = {"email", "attachments", "origemail", "tags"};
+  bool allDone = true;
+  for (const MessageTable table : tables) {
+    const ExecResult result = exec(QStringLiteral("DELETE FROM %1 WHERE id=%2")
+                                       .arg(QLatin1String(kNames[int(table)]))
+                                       .arg(id));
+    if (result.ok())
+      continue;
+    allDone = false;
+    if (!onFailure(result))
+      break;
+  }
+  return allDone;
 }
 
 void Archive::ensureIndexes() {

@@ -2,6 +2,8 @@
 
 #include <QString>
 #include <QStringList>
+#include <functional>
+#include <initializer_list>
 
 #include "archive/Records.h"
 
@@ -20,6 +22,28 @@ struct ExecResult {
   QString error;
   bool ok() const { return code == 0; }
 };
+
+// How opening an archive file ended.
+struct OpenStatus {
+  enum class Outcome {
+    Opened,
+    // SQLite could not open the file at all (or the path is empty): code and error say why.
+    CannotOpen,
+    // The file is not an SQLite database, or is damaged (found when a table had to be made).
+    NotADatabase,
+    // The email table lacks numAttach: the format before that column, to be converted.
+    OldFormat,
+    // A missing table could not be created for another reason: code and error say why.
+    CreateFailed,
+  };
+  Outcome outcome = Outcome::Opened;
+  int code = 0;
+  QString error;
+  bool ok() const { return outcome == Outcome::Opened; }
+};
+
+// The four tables that carry a message's id.
+enum class MessageTable { Email, Attachments, Origemail, Tags };
 
 // The one shared connection to the archive file and the state that the shared row callbacks
 // fill. Every statement of the application is composed as text and run through exec(); the
@@ -45,6 +69,22 @@ class Archive : public IdListState {
   // openFailed, which it never clears; nothing is written except tables created before the
   // failing step.
   void openDB(const QString& dbPath);
+  // The same steps as openDB without alerts and without touching openFailed: the caller
+  // decides what to tell the user (reportOpenFailure gives openDB's alerts). On failure the
+  // connection may be left open (a file of the old format, or one whose table could not be
+  // made) or closed (a file that could not be opened).
+  OpenStatus openArchive(const QString& dbPath);
+  // The steps of openArchive one by one. openFile closes whatever connection is open, opens
+  // the file (SQLite creates an empty one when it is missing) and stamps it; a failed open
+  // leaves no connection. hasCurrentFormat probes for the numAttach column (false also when
+  // the email table is missing). createMissingTables creates, in the order email,
+  // attachments, origemail, tags, each table whose probe fails, and the indexes; it stops at
+  // the first table that cannot be made.
+  OpenStatus openFile(const QString& dbPath);
+  bool hasCurrentFormat();
+  OpenStatus createMissingTables();
+  // Shows the alert of a failed open, the text naming path where the text has one.
+  void reportOpenFailure(const OpenStatus& status, const QString& path);
   // Closes the connection and empties the slot; does nothing when no connection is open.
   void close();
   bool isOpen() const { return archiveConnection != nullptr; }
@@ -59,6 +99,13 @@ class Archive : public IdListState {
   }
   // The id of the row inserted last on this connection.
   long long lastInsertRowId() const;
+
+  // Runs "DELETE FROM <table> WHERE id=<id>" for each table in the order given. Each failure
+  // is handed to onFailure, which answers whether to go on with the next table; returns true
+  // when every statement succeeded. Storing a message again, deleting messages and merging
+  // all remove a message's rows this way, each with its own tables, order and error report.
+  bool deleteMessageRows(int id, std::initializer_list<MessageTable> tables,
+                         const std::function<bool(const ExecResult&)>& onFailure);
 
   // Writes the creator and type code onto the archive file; failures are ignored.
   void setFileCreator(const QString& path);
@@ -75,9 +122,8 @@ class Archive : public IdListState {
   int columnRowCount = 0;
 
  private:
-  // Creates one table when its probe fails; false (after the alert) when that fails too.
-  bool ensureTable(const char* probe, const char* create);
-  void reportCreateFailure(const ExecResult& result);
+  // Creates one table when its probe fails.
+  OpenStatus ensureTable(const char* probe, const char* create);
   void ensureIndexes();
 
   platform::Dialogs& dialogs_;

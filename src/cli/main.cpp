@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "archive/Archive.h"
+#include "archive/Statements.h"
 #include "cli/CliOptions.h"
 #include "cli/ConsoleDialogs.h"
 #include "cli/ConsoleProgress.h"
@@ -24,10 +25,6 @@ namespace quillery::cli {
 namespace {
 
 enum ExitCode { kOk = 0, kFailed = 1, kUsage = 2 };
-
-const char kListStatement[] =
-    "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-    "mailbox END),numAttach FROM email ORDER BY id";
 
 void print(FILE* stream, const QString& text) {
   std::fputs(text.toUtf8().constData(), stream);
@@ -134,7 +131,7 @@ int runList(const CliOptions& options) {
     return kFailed;
   QElapsedTimer clock;
   clock.start();
-  archive.sqlText = QString::fromLatin1(kListStatement);
+  archive.sqlText = archive::listAllStatement();
   list.onlyAttachments = 0;
   list.retrieve(path);
   const double seconds = clock.nsecsElapsed() / 1e9;

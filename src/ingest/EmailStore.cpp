@@ -129,17 +129,15 @@ void EmailStore::replaceDuplicate(int id) {
       archive::tagRecordCallback, static_cast<archive::TagRecord*>(&message_));
   if (!tags.ok())
     dialogs_.critical(QString(), QStringLiteral("SQL error: ") + tags.error);
-  if (message_.tagFound)
-    deleteOrLog(QStringLiteral("DELETE FROM tags WHERE id=%1").arg(id));
-  deleteOrLog(QStringLiteral("DELETE FROM attachments WHERE id=%1").arg(id));
-  deleteOrLog(QStringLiteral("DELETE FROM email WHERE id=%1").arg(id));
-  deleteOrLog(QStringLiteral("DELETE FROM origemail WHERE id=%1").arg(id));
-}
-
-void EmailStore::deleteOrLog(const QString& statement) {
-  const archive::ExecResult result = archive_.exec(statement);
-  if (!result.ok())
+  const auto logAndGoOn = [this](const archive::ExecResult& result) {
     storeLog_.write(QStringLiteral("SQL error: ") + result.error + QLatin1Char('\n'));
+    return true;
+  };
+  using archive::MessageTable;
+  if (message_.tagFound)
+    archive_.deleteMessageRows(id, {MessageTable::Tags}, logAndGoOn);
+  archive_.deleteMessageRows(
+      id, {MessageTable::Attachments, MessageTable::Email, MessageTable::Origemail}, logAndGoOn);
 }
 
 bool EmailStore::insertEmail(int numAttach) {

@@ -69,7 +69,6 @@ class EmailStore {
   // "%d  %s::%s::%s::%s::%s\n" after an error text: the result code and the message's
   // date, from, to, subject and mailbox, escaped as in the statements.
   QString messageSuffix(int code) const;
-  void deleteOrLog(const QString& statement);
   void reportCorruptArchive();
 
   archive::Archive& archive_;

@@ -6,6 +6,7 @@
 
 #include "archive/Archive.h"
 #include "archive/RowCallbacks.h"
+#include "archive/Statements.h"
 #include "ingest/EmailStore.h"
 #include "ingest/RecordReader.h"
 #include "ingest/StoreSummary.h"
@@ -406,12 +407,9 @@ void StoreRun::taskCompleted() {
 }
 
 void StoreRun::listStoredMessages() {
-  archive_.sqlText =
-      QStringLiteral(
-          "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-          "mailbox END),numAttach FROM email WHERE id>=%1 AND id<=%2 ORDER BY id")
-          .arg(counters_.lowestStoredId)
-          .arg(counters_.highestStoredId);
+  archive_.sqlText = archive::listStatement(QStringLiteral(" WHERE id>=%1 AND id<=%2 ORDER BY id")
+                                                .arg(counters_.lowestStoredId)
+                                                .arg(counters_.highestStoredId));
   resultList_.onlyAttachments = 0;
   resultList_.retrieve(paths_.dbPath);
 }

@@ -110,5 +110,79 @@ TEST_F(ArchiveTest, WhatIsNoArchiveIsRefusedWithItsAlertAndLeftAsItWas) {
   EXPECT_EQ(tables(old).size(), 1);
 }
 
+TEST_F(ArchiveTest, OpeningStepByStepSaysWhatHappenedWithoutAlertsAndTheHelperGivesOpenDbsAlerts) {
+  const QString text = path(QStringLiteral("notes.txt"));
+  ASSERT_TRUE(test::writeFile(text, "not an archive"));
+  const QString old = path(QStringLiteral("old.db"));
+  ASSERT_EQ(test::execOn(old, "CREATE TABLE email (id INTEGER PRIMARY KEY NOT NULL)"), QString());
+  const QString missingFolder = path(QStringLiteral("no/such/a.db"));
+  const struct {
+    const char* name;
+    QString file;
+    OpenStatus::Outcome outcome;
+    int code;
+  } rows[] = {
+      {"a new file", path(QStringLiteral("new.db")), OpenStatus::Outcome::Opened, SQLITE_OK},
+      {"a text file", text, OpenStatus::Outcome::NotADatabase, SQLITE_NOTADB},
+      {"the old format", old, OpenStatus::Outcome::OldFormat, SQLITE_OK},
+      {"a folder that is not there", missingFolder, OpenStatus::Outcome::CannotOpen,
+       SQLITE_CANTOPEN},
+      {"no path", QString(), OpenStatus::Outcome::CannotOpen, SQLITE_CANTOPEN},
+  };
+  QStringList reported;
+  for (const auto& row : rows) {
+    const OpenStatus status = archive.openArchive(row.file);
+    EXPECT_EQ(status.outcome, row.outcome) << row.name;
+    EXPECT_EQ(status.code, row.code) << row.name;
+    archive.reportOpenFailure(status, row.file);
+  }
+  EXPECT_FALSE(archive.openFailed);
+  for (const platform::Alert& alert : dialogs.alerts)
+    reported.append(alert.title + '|' + alert.message);
+  EXPECT_EQ(reported, (QStringList{"Open Failed|This is not a valid database file.",
+                                   "Open Failed|" + QString::fromUtf8(Archive::kOldFormatMessage),
+                                   "|SQL Error: " + missingFolder + " unable to open database file",
+                                   "Open Failed| is not a valid database file."}));
+  // The old file was only looked at; the format check alone writes nothing either.
+  EXPECT_EQ(tables(old).size(), 1);
+  ASSERT_TRUE(archive.openFile(old).ok());
+  EXPECT_FALSE(archive.hasCurrentFormat());
+  EXPECT_EQ(tables(old).size(), 1);
+}
+
+TEST_F(ArchiveTest, AMessagesRowsAreDeletedTableByTableAndAFailureAsksWhetherToGoOn) {
+  const QString file = path(QStringLiteral("rows.db"));
+  ASSERT_EQ(alertsOpening(file), QStringList());
+  ASSERT_TRUE(archive
+                  .exec(QStringLiteral(
+                      "INSERT INTO email VALUES(7,'f','t','s','2020-01-01 00:00:00','m','r','b',1);"
+                      "INSERT INTO attachments VALUES(7,'t','a.pdf',0,'x');"
+                      "INSERT INTO origemail VALUES(7,'src');"
+                      "INSERT INTO tags VALUES(7,'c','k',1,'n');"))
+                  .ok());
+  const auto counts = [&] {
+    return test::rowsOf(file,
+                        "SELECT (SELECT count(*) FROM email),(SELECT count(*) FROM attachments),"
+                        "(SELECT count(*) FROM origemail),(SELECT count(*) FROM tags)");
+  };
+  int failures = 0;
+  const auto goOn = [&](const ExecResult&) { return ++failures, true; };
+  EXPECT_TRUE(archive.deleteMessageRows(7, {MessageTable::Email, MessageTable::Origemail}, goOn));
+  EXPECT_EQ(counts(), QStringList{"0|1|0|1"});
+
+  // A failing statement (the table is gone) is reported; stopping leaves the tables after it.
+  ASSERT_TRUE(archive.exec(QStringLiteral("DROP TABLE attachments")).ok());
+  const auto stop = [&](const ExecResult& result) {
+    EXPECT_EQ(result.error, "no such table: attachments");
+    return ++failures, false;
+  };
+  EXPECT_FALSE(archive.deleteMessageRows(7, {MessageTable::Attachments, MessageTable::Tags}, stop));
+  EXPECT_EQ(failures, 1);
+  EXPECT_EQ(test::rowsOf(file, "SELECT count(*) FROM tags"), QStringList{"1"});
+  EXPECT_FALSE(archive.deleteMessageRows(7, {MessageTable::Attachments, MessageTable::Tags}, goOn));
+  EXPECT_EQ(failures, 2);
+  EXPECT_EQ(test::rowsOf(file, "SELECT count(*) FROM tags"), QStringList{"0"});
+}
+
 }  // namespace
 }  // namespace quillery::archive

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "archive/Archive.h"
+#include "archive/Statements.h"
 #include "archive/TestFiles.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
@@ -16,10 +17,6 @@ namespace quillery::search {
 // A real archive file with messages put in by SQL, and the result list over it.
 class ResultListFixture : public ::testing::Test {
  protected:
-  static constexpr char kAll[] =
-      "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-      "mailbox END),numAttach FROM email ORDER BY id";
-
   void SetUp() override {
     archive.openDB(dbPath);
     ASSERT_FALSE(archive.openFailed);
@@ -39,7 +36,7 @@ class ResultListFixture : public ::testing::Test {
   void tag(int id) {
     archive.exec(QStringLiteral("INSERT INTO tags VALUES(%1,'Work','',0,'')").arg(id));
   }
-  void retrieve(const QString& statement = QString::fromLatin1(kAll)) {
+  void retrieve(const QString& statement = archive::listAllStatement()) {
     archive.sqlText = statement;
     list.retrieve(dbPath);
   }
