@@ -18,7 +18,7 @@
 #include <string>
 #include <vector>
 
-#include "domail/DomailDriver.h"
+#include "support/driver/DomailDriver.h"
 
 namespace fs = std::filesystem;
 
@@ -58,7 +58,7 @@ int main(int argc, char** argv) {
                                         "0000-00-00 00:00:00",  "9999-99-99 00:00:00"};
   arguments.insert(arguments.end(), mboxes.begin(), mboxes.end());
 
-  quillery::tools::DomailDriver driver(argv[1], nice);
+  quillery::test::DomailDriver driver(argv[1], nice);
   const auto start = std::chrono::steady_clock::now();
   if (!driver.start(arguments)) {
     std::perror("domail-bench: cannot start the tool");

@@ -8,10 +8,12 @@
 #include <filesystem>
 
 #include "ToolRun.h"
-#include "domail/DomailDriver.h"
+#include "support/driver/DomailDriver.h"
 
 namespace quillery::tools::test {
 namespace {
+
+using ::quillery::test::DomailDriver;
 
 std::string message(const std::string& subject,
                     const std::string& date = "Mon, 7 Jan 2019 10:00:00 +0000",

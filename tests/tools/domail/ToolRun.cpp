@@ -7,12 +7,14 @@
 #include <fstream>
 #include <iterator>
 
-#include "domail/DomailDriver.h"
 #include "support/TestEnvironment.h"
+#include "support/driver/DomailDriver.h"
 
 namespace quillery::tools::test {
 
 namespace fs = std::filesystem;
+
+using ::quillery::test::DomailDriver;
 
 void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
   fs::create_directories(fs::path(path).parent_path());
