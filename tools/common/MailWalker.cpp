@@ -1,6 +1,7 @@
 #include "common/MailWalker.h"
 
 #include <filesystem>
+#include <functional>
 
 #include "common/MailTree.h"
 #include "common/MailboxReader.h"
@@ -52,11 +53,12 @@ bool readFolderTree(MailboxReader& reader, const std::string& path, const Invali
   return true;
 }
 
-}  // namespace
-
-bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
-                   const InvalidSink& invalid, const SearchingSink& searching) {
-  MailboxReader reader(message, invalid);
+// The paths the application gave (a line end after one is ignored): a folder goes to
+// `readFolder`, a file to the reader under its own name; a path that is neither (gone since
+// it was chosen, or never there) is named invalid.
+bool walkPaths(const std::vector<std::string>& paths, MailboxReader& reader,
+               const InvalidSink& invalid, const SearchingSink& searching,
+               const std::function<bool(const std::string& folder)>& readFolder) {
   for (const std::string& given : paths) {
     const std::string path = withoutLineEnd(given);
     if (path.empty()) {
@@ -65,28 +67,7 @@ bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& mes
     searchingNow(searching);
     std::error_code ec;
     if (fs::is_directory(path, ec)) {
-      if (!readFolderTree(reader, path, invalid, searching)) {
-        return false;
-      }
-    } else if (!reader.readFile(path, fs::path(path).filename().string())) {
-      return false;
-    }
-  }
-  return true;
-}
-
-bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSink& message,
-                   const InvalidSink& invalid, const SearchingSink& searching) {
-  MailboxReader reader(message, invalid);
-  for (const std::string& line : mailboxLines) {
-    const std::string path = withoutLineEnd(line);
-    if (path.empty()) {
-      continue;
-    }
-    searchingNow(searching);
-    std::error_code ec;
-    if (fs::is_directory(path, ec)) {
-      if (!reader.readMailboxFolder(path, MailTree::fromPath(path).displayName)) {
+      if (!readFolder(path)) {
         return false;
       }
     } else if (fs::is_regular_file(path, ec)) {
@@ -94,10 +75,28 @@ bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSi
         return false;
       }
     } else {
-      invalid(path);  // gone since it was listed, or never there
+      invalid(path);
     }
   }
   return true;
+}
+
+}  // namespace
+
+bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
+                   const InvalidSink& invalid, const SearchingSink& searching) {
+  MailboxReader reader(message, invalid);
+  return walkPaths(paths, reader, invalid, searching, [&](const std::string& folder) {
+    return readFolderTree(reader, folder, invalid, searching);
+  });
+}
+
+bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSink& message,
+                   const InvalidSink& invalid, const SearchingSink& searching) {
+  MailboxReader reader(message, invalid);
+  return walkPaths(mailboxLines, reader, invalid, searching, [&](const std::string& folder) {
+    return reader.readMailboxFolder(folder, MailTree::fromPath(folder).displayName);
+  });
 }
 
 bool walkAccounts(const std::string& mailRoot, const std::vector<std::string>& accountNames,

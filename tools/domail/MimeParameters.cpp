@@ -18,20 +18,6 @@ std::string_view trimmed(std::string_view s) {
   return s;
 }
 
-std::string percentDecoded(std::string_view s) {
-  std::string out;
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    if (s[i] == '%' && i + 2 < s.size() && ascii::hexValue(s[i + 1]) >= 0 &&
-        ascii::hexValue(s[i + 2]) >= 0) {
-      out += static_cast<char>(ascii::hexValue(s[i + 1]) * 16 + ascii::hexValue(s[i + 2]));
-      i += 2;
-    } else {
-      out += s[i];
-    }
-  }
-  return out;
-}
-
 }  // namespace
 
 MimeParameters::MimeParameters(std::string_view rawValue) {
@@ -142,7 +128,7 @@ std::optional<std::string> MimeParameters::decoded(std::string_view name, Header
         value.remove_prefix(q2 + 1);
       }
     }
-    bytes += p->extended ? percentDecoded(value) : std::string(value);
+    bytes += p->extended ? ascii::hexEscapesDecoded(value, '%') : std::string(value);
     first = false;
   }
   if (charset.empty() && bytes.find("=?") != std::string::npos) {
