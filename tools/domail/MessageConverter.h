@@ -21,7 +21,11 @@ namespace quillery::tools {
 // decoded subject; DATE the send date (MessageDate's fallbacks) in local time; MAILTO the
 // Reply-To address, else the sender's address; the body and attachments as BodyCollector
 // gathers them. Every header value is one line of valid UTF-8; where a message has several
-// of one header, the first counts. Undecodable bytes never fail a conversion.
+// of one header, the first counts. Undecodable bytes never fail a conversion. A source that
+// does not open with a header block (text between two postmarks of an mbox file) is a
+// message without headers: FROM, TO, SUBJECT and MAILTO are empty, the text is the body and
+// DATE comes from the store (MessageDate's fallbacks after the headers: the postmark's date,
+// else the file's modification time).
 class MessageConverter {
  public:
   // `now` is the date of last resort, for a message that carries no date at all.
@@ -46,6 +50,7 @@ class MessageConverter {
   HeaderText headerText_;
   AddressText addresses_;
   BodyCollector collector_;
+  std::string headerless_;  // a source without headers, behind an empty header block
 };
 
 }  // namespace quillery::tools
