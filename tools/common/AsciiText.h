@@ -34,6 +34,17 @@ inline int hexValue(char c) {
   return -1;
 }
 
+// `s` without the blanks and tabs at either end.
+inline std::string_view trimmedBlanks(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
+    s.remove_prefix(1);
+  }
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) {
+    s.remove_suffix(1);
+  }
+  return s;
+}
+
 // True when `s` is one or more of the digits 0 to 9.
 inline bool allDigits(std::string_view s) {
   if (s.empty()) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <functional>
 
+#include "common/ChosenFolder.h"
 #include "common/MailTree.h"
 #include "common/MailboxReader.h"
 #include "common/MailboxSelection.h"
@@ -23,34 +24,6 @@ void searchingNow(const SearchingSink& searching) {
   if (searching) {
     searching();
   }
-}
-
-std::string joined(const std::string& first, const std::vector<std::string>& names) {
-  std::string out = first;
-  for (const std::string& name : names) {
-    out += '/';
-    out += name;
-  }
-  return out;
-}
-
-// A folder chosen as an mbox source: Apple's exported "X.mbox/" with its file "mbox", or any
-// folder of mailboxes; its own messages first, then those of every mailbox inside it.
-bool readFolderTree(MailboxReader& reader, const std::string& path, const InvalidSink& invalid,
-                    const SearchingSink& searching) {
-  const fs::path folder = fs::path(path).lexically_normal();
-  const fs::path named = folder.has_filename() ? folder : folder.parent_path();
-  const std::string name = MailTree::withoutMailboxSuffix(named.filename().string());
-  if (!reader.readMailboxFolder(path, name)) {
-    return false;
-  }
-  for (const MailboxFolder& box : MailTree::mailboxes(path, invalid)) {
-    searchingNow(searching);
-    if (!reader.readMailboxFolder(box.path, joined(name, box.names))) {
-      return false;
-    }
-  }
-  return true;
 }
 
 // The paths the application gave (a line end after one is ignored): a folder goes to
@@ -86,9 +59,9 @@ bool walkPaths(const std::vector<std::string>& paths, MailboxReader& reader,
 bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
                    const InvalidSink& invalid, const SearchingSink& searching) {
   MailboxReader reader(message, invalid);
-  return walkPaths(paths, reader, invalid, searching, [&](const std::string& folder) {
-    return readFolderTree(reader, folder, invalid, searching);
-  });
+  ChosenFolder folders(message, invalid, searching);
+  return walkPaths(paths, reader, invalid, searching,
+                   [&](const std::string& folder) { return folders.read(folder); });
 }
 
 bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSink& message,

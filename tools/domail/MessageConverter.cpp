@@ -3,6 +3,7 @@
 #include <gmime/gmime.h>
 
 #include "common/MimeHeaders.h"
+#include "domail/GmailLabels.h"
 #include "domail/MailDate.h"
 #include "domail/MessageDate.h"
 
@@ -76,6 +77,11 @@ bool MessageConverter::convert(const RawMessage& raw, ParsedMessage& out,
 
   std::string mailbox;
   CharsetDecoder::appendLenientUtf8(raw.mailbox, mailbox);
+  if (raw.labelsNameMailbox) {
+    if (const std::optional<std::string> labels = header("X-Gmail-Labels")) {
+      mailbox = GmailLabels::mailbox(headerText_.decode(*labels, charset)).value_or(mailbox);
+    }
+  }
   out.mailbox = HeaderText::singleLine(mailbox);
   std::optional<std::string> from = header("From");
   if (!from) {

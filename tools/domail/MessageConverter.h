@@ -16,8 +16,9 @@ typedef struct _GMimeParserOptions GMimeParserOptions;
 namespace quillery::tools {
 
 // Turns one message as a mail store holds it into the record that the application stores:
-// MAILBOX is the store's display path; FROM the decoded sender ("Name <address>"; the Sender
-// header when there is no From); TO the decoded To recipients joined with ", "; SUBJECT the
+// MAILBOX is the store's display path, or for a message of an mbox file that carries Gmail's
+// labels, the label GmailLabels::mailbox picks; FROM the decoded sender ("Name <address>"; the
+// Sender header when there is no From); TO the decoded To recipients joined with ", "; SUBJECT the
 // decoded subject; DATE the send date (MessageDate's fallbacks) in local time; MAILTO the
 // Reply-To address, else the sender's address; the body and attachments as BodyCollector
 // gathers them. Every header value is one line of valid UTF-8; where a message has several

@@ -6,25 +6,12 @@
 #include "common/AsciiText.h"
 
 namespace quillery::tools {
-namespace {
-
-std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
-    s.remove_prefix(1);
-  }
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) {
-    s.remove_suffix(1);
-  }
-  return s;
-}
-
-}  // namespace
 
 MimeParameters::MimeParameters(std::string_view rawValue) {
   const std::string line = HeaderText::unfold(rawValue);
   const std::string_view s = line;
   std::size_t i = s.find(';');
-  token_ = ascii::lowered(trimmed(s.substr(0, i)));
+  token_ = ascii::lowered(ascii::trimmedBlanks(s.substr(0, i)));
   while (i != std::string_view::npos && i < s.size()) {
     ++i;  // past ';'
     const std::size_t eq = s.find('=', i);
@@ -36,7 +23,7 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
       i = semicolon;  // "a; ; b=c" or a bare word
       continue;
     }
-    std::string key = ascii::lowered(trimmed(s.substr(i, eq - i)));
+    std::string key = ascii::lowered(ascii::trimmedBlanks(s.substr(i, eq - i)));
     std::size_t v = eq + 1;
     while (v < s.size() && (s[v] == ' ' || s[v] == '\t')) {
       ++v;
@@ -53,8 +40,8 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
       i = s.find(';', v);
     } else {
       i = s.find(';', v);
-      p.value =
-          std::string(trimmed(s.substr(v, i == std::string_view::npos ? s.size() - v : i - v)));
+      p.value = std::string(
+          ascii::trimmedBlanks(s.substr(v, i == std::string_view::npos ? s.size() - v : i - v)));
     }
     if (!key.empty() && key.back() == '*') {
       p.extended = true;
