@@ -58,7 +58,7 @@ bool MessageConverter::convert(const RawMessage& raw, ParsedMessage& out,
                                const std::function<void()>& onPartWork) {
   std::string_view source = raw.source;
   if (withoutHeaders(source)) {
-    headerless_.assign("\n").append(source);  // an empty header block before the text
+    headerless_.assign(1, '\n').append(source);  // an empty header block before the text
     source = headerless_;
   }
   GMimeStream* stream = g_mime_stream_mem_new_with_buffer(source.data(), source.size());
