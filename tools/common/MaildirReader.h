@@ -39,14 +39,14 @@ class MaildirReader {
   bool read(const std::string& folder, const std::string& mailbox,
             const std::string& subfolderPrefix);
 
+ private:
   // The messages of one Maildir, without its subfolders.
   bool readMessages(const std::string& folder, const std::string& mailbox);
-
+  // A file's name without its flags: the same message's name in new/ and in cur/.
   static std::string_view uniqueName(std::string_view fileName);
   // The delivery time that a Maildir file name begins with ("1700000000.M1P2.host"), if any.
   static std::optional<std::time_t> deliveryTime(std::string_view fileName);
 
- private:
   using Listing = std::map<std::string, std::string, std::less<>>;  // unique name to path
 
   // The message files of new/ and then cur/, a name in cur/ winning over the same in new/.
