@@ -37,6 +37,12 @@ int MergeCommand::run(const QStringList& arguments) {
     line.fail(QStringLiteral("merge needs the FILE to merge"));
   if (line.failed())
     return usageError(line.error());
+  // The window's panel offers only files that exist; opening a mistyped name would make an
+  // empty archive of it.
+  if (!QFileInfo::exists(mergePath)) {
+    print(stderr, QStringLiteral("quillery-cli: no file to merge at %1\n").arg(mergePath));
+    return kFailed;
+  }
   MaintenanceSession session(yes);
   maintenance::DatabaseMerge merge(session.archive, session.list, session.dialogs,
                                    session.progress);

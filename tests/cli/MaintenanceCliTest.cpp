@@ -111,6 +111,10 @@ TEST_F(MaintenanceCliTest, AnOldArchiveIsConvertedCompactedAndMergedWithTheWindo
   EXPECT_EQ(notArchive.exitCode, 1);
   EXPECT_EQ(notArchive.err, "Open Failed: This is not a valid database file.\n");
   EXPECT_EQ(count(old), "13");
+  const QString missing = homeDir.filePath(QStringLiteral("typo.db"));
+  EXPECT_EQ(cli({"merge", missing, "--archive", old, "--yes"}).err,
+            "quillery-cli: no file to merge at " + missing + '\n');
+  EXPECT_FALSE(QFileInfo::exists(missing));
 
   for (const QStringList& wrong : {QStringList{"merge", "--archive", old},
                                    {"backup", "--yes"},
