@@ -199,6 +199,16 @@ TEST_F(DatabaseMergeTest, WhatIsNotMergedIsRefusedBeforeTheArchiveIsTouched) {
   }
   EXPECT_EQ(test::readFile(text), "not an archive");
 
+  // A merge file that stops being an archive between its check and its attachment.
+  const QString swapped = path(QStringLiteral("swapped.db"));
+  makeArchive(swapped, "SELECT 1");
+  progress.atTitle = QStringLiteral("Merging...");
+  progress.action = [&] { test::writeFile(swapped, "no longer an archive"); };
+  EXPECT_FALSE(merge(swapped));
+  EXPECT_EQ(takeAlerts().value(1), "Merge Failed|" + swapped + " is not a valid database file.");
+  EXPECT_EQ(integrity(dbPath) + counts(dbPath), "ok1|0|0|0");
+  progress.action = nullptr;
+
   // An archive that fails to open still leaves the merge file its missing tables.
   makeOldFormat(path(QStringLiteral("old.db")), QString());
   dbPath = path(QStringLiteral("old.db"));
