@@ -56,10 +56,9 @@ TEST_F(DatabaseMergeTest, StoredMailIsMergedOnceWithTagsSourcesAndAttachmentsUnd
             (QStringList{"Message 20 of the run", "Message 21 of the run"}));
   const QStringList before = messages(dbPath);
   const int lastId = maxId(dbPath);
-  const int processed = test::rowsOf(mergePath, "SELECT count(*) FROM email").value(0).toInt();
 
   ASSERT_TRUE(merge(mergePath));
-  EXPECT_EQ(takeAlerts(), (QStringList{question(mergePath), done(processed, 15)}));
+  EXPECT_EQ(takeAlerts(), (QStringList{question(mergePath), done(30, 15)}));
   EXPECT_EQ(panel, (QStringList{"closed", "merging database...", "shown", "done merging..."}));
   // Every new message arrives once with all it carries, byte for byte, under a new id.
   const QStringList copied = messages(dbPath, QStringLiteral("WHERE id>%1").arg(lastId));
@@ -72,16 +71,13 @@ TEST_F(DatabaseMergeTest, StoredMailIsMergedOnceWithTagsSourcesAndAttachmentsUnd
   EXPECT_EQ(listedIds(),
             test::rowsOf(dbPath, QStringLiteral("SELECT id FROM email WHERE id>%1").arg(lastId)));
   EXPECT_EQ(archive.idList, listedIds());
-  EXPECT_TRUE(list.emailRows[5].emailDate().endsWith('*'));
-  EXPECT_TRUE(list.emailRows[6].emailDate().endsWith('*'));
-  EXPECT_EQ(
-      std::count_if(list.emailRows.begin(), list.emailRows.end(),
-                    [](const search::Emailrow& row) { return row.emailDate().endsWith('*'); }),
-      2);
+  QStringList starred;
+  for (const search::Emailrow& row : list.emailRows)
+    if (row.emailDate().endsWith('*'))
+      starred.append(row.emailSubject());
+  EXPECT_EQ(starred, (QStringList{"Message 20 of the run", "Message 21 of the run"}));
   EXPECT_EQ(list.listCountText() + list.dbCountText(),
-            QStringLiteral("%1 emails in this list.%2 emails in the database.")
-                .arg(processed - 15)
-                .arg(processed));
+            "15 emails in this list.30 emails in the database.");
   EXPECT_EQ(progress.events.mid(0, 3),
             (QStringList{"count:0", "controls:count:1", "open:Merging..."}));
   EXPECT_EQ(progress.events.mid(progress.events.size() - 2),
@@ -91,7 +87,7 @@ TEST_F(DatabaseMergeTest, StoredMailIsMergedOnceWithTagsSourcesAndAttachmentsUnd
 
   // The second time every message is there already.
   ASSERT_TRUE(merge(mergePath));
-  EXPECT_EQ(takeAlerts().value(1), done(processed, processed));
+  EXPECT_EQ(takeAlerts().value(1), done(30, 30));
   EXPECT_EQ(messages(dbPath), all);
   EXPECT_TRUE(list.emailRows.isEmpty());
 }
