@@ -2,6 +2,12 @@
 
 #include <QObject>
 
+#include "archive/maintenance/Backup.h"
+#include "archive/maintenance/Compaction.h"
+#include "archive/maintenance/DatabaseMerge.h"
+#include "archive/maintenance/FormatConversion.h"
+#include "archive/maintenance/Restore.h"
+
 namespace quillery::app {
 
 struct AppContext;
@@ -23,7 +29,15 @@ class MaintenanceBinding : public QObject {
   void mergeDB();
 
  private:
+  // The list window follows what the conversion and the merge tell it.
+  void bindListWindow();
+
   AppContext& context_;
+  maintenance::Backup backup_;
+  maintenance::Restore restore_;
+  maintenance::Compaction compaction_;
+  maintenance::FormatConversion conversion_;
+  maintenance::DatabaseMerge merge_;
 };
 
 }  // namespace quillery::app

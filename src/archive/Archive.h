@@ -109,6 +109,10 @@ class Archive : public IdListState {
 
   // Writes the creator and type code onto the archive file; failures are ignored.
   void setFileCreator(const QString& path);
+  // Creates the indexes beyond the four tables that every opened archive gets (messages by
+  // date, attachments by id), where they are missing. Failures leave a slower archive and
+  // are ignored. createMissingTables ends with this; a rebuild of a table calls it again.
+  void ensureIndexes();
 
   sqlite3* archiveConnection = nullptr;
   bool openFailed = false;
@@ -124,7 +128,6 @@ class Archive : public IdListState {
  private:
   // Creates one table when its probe fails.
   OpenStatus ensureTable(const char* probe, const char* create);
-  void ensureIndexes();
 
   platform::Dialogs& dialogs_;
   platform::Files& files_;

@@ -24,9 +24,33 @@ inline QString listAllStatement() {
   return listStatement(u" ORDER BY id");
 }
 
+// One message's fields in the order emailRecordCallback reads them, up to the table, which the
+// caller appends with its condition (the merge reads the attached file's table).
+#define QUILLERY_EMAIL_RECORD_COLUMNS                                                         \
+  "SELECT date_fld,from_fld,to_fld,subj_fld,body_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE " \
+  "mailbox END),mailto,numAttach FROM "
+inline constexpr char kEmailRecordColumns[] = QUILLERY_EMAIL_RECORD_COLUMNS;
 // One message's fields in the order emailRecordCallback reads them; "%1" is the id.
-inline constexpr char kEmailRecordStatement[] =
-    "SELECT date_fld,from_fld,to_fld,subj_fld,body_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
-    "mailbox END),mailto,numAttach FROM email WHERE id=%1";
+inline constexpr char kEmailRecordStatement[] = QUILLERY_EMAIL_RECORD_COLUMNS "email WHERE id=%1";
+#undef QUILLERY_EMAIL_RECORD_COLUMNS
+
+// A message's tags in the order tagRecordCallback reads them, up to the table.
+inline constexpr char kTagRecordColumns[] = "SELECT cat_fld,key_fld,priority_fld,notes_fld FROM ";
+
+// The inserts that write a message's rows, from the table name to "VALUES(": the caller puts
+// "INSERT INTO " and the schema ("mergee." for an attached file) before them (insertInto)
+// and the values after. kCopiedEmailColumns is the order in which a message is copied from
+// one archive to another; storing writes its own order.
+inline constexpr char kCopiedEmailColumns[] =
+    "email (id,date_fld,from_fld,to_fld,subj_fld,body_fld,mailto,mailbox,numAttach) VALUES(";
+inline constexpr char kTagsColumns[] = "tags (id,cat_fld,key_fld,priority_fld,notes_fld) VALUES(";
+inline constexpr char kOrigemailColumns[] = "origemail (id,orig_fld) VALUES(";
+inline constexpr char kAttachmentsColumns[] =
+    "attachments (id,type_fld,filename_fld,encode_fld,attach_fld) VALUES(";
+
+// "INSERT INTO " + schema + columns.
+inline QString insertInto(QStringView schema, const char* columns) {
+  return QLatin1String("INSERT INTO ") + schema.toString() + QLatin1String(columns);
+}
 
 }  // namespace quillery::archive

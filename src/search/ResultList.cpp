@@ -166,6 +166,24 @@ void ResultList::clear() {
   Q_EMIT countsChanged(dbCountText_, listCountText_);
 }
 
+void ResultList::startRows() {
+  Q_EMIT listAboutToReset();
+  emptyRows();
+  Q_EMIT countsChanged(dbCountText_, listCountText_);
+}
+
+void ResultList::appendRow(Emailrow row) {
+  archive_.idList.append(QString::number(row.emailID()));
+  emailRows.append(std::move(row));
+  ++listCount;
+}
+
+void ResultList::finishRows() {
+  Q_EMIT fontReapplied();
+  Q_EMIT listReset();
+  showCounts();
+}
+
 int ResultList::arrayIndex(int displayRow) const {
   return sortDescending ? int(emailRows.size()) - displayRow - 1 : displayRow;
 }

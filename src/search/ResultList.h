@@ -49,6 +49,15 @@ class ResultList : public QObject {
   // before it starts.
   void clear();
 
+  // For a feature that makes the list itself one row at a time (the merge lists the messages
+  // it copied). startRows empties the list, the archive's idList and both count texts and
+  // holds the table reset until finishRows. appendRow adds a row and its id text to idList,
+  // as a retrieved row would be added. finishRows applies the list font again, reloads the
+  // table and shows both counts as a retrieval does (a failing count goes to standard error).
+  void startRows();
+  void appendRow(Emailrow row);
+  void finishRows();
+
   // The array index that a table row shows: reversed while sortDescending is set.
   int arrayIndex(int displayRow) const;
   const Emailrow& rowAt(int displayRow) const { return emailRows.at(arrayIndex(displayRow)); }

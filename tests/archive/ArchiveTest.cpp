@@ -1,4 +1,5 @@
 #include "archive/Archive.h"
+#include "archive/OpenCheck.h"
 
 #include <gtest/gtest.h>
 
@@ -182,6 +183,30 @@ TEST_F(ArchiveTest, AMessagesRowsAreDeletedTableByTableAndAFailureAsksWhetherToG
   EXPECT_FALSE(archive.deleteMessageRows(7, {MessageTable::Attachments, MessageTable::Tags}, goOn));
   EXPECT_EQ(failures, 2);
   EXPECT_EQ(test::rowsOf(file, "SELECT count(*) FROM tags"), QStringList{"0"});
+}
+
+TEST_F(ArchiveTest, TheOpenCheckRefusesOnlyWhatSqliteCannotOpenAndCreatesNothing) {
+  const QString text = path(QStringLiteral("notes.txt"));
+  ASSERT_TRUE(test::writeFile(text, "not an archive"));
+  const QString missing = path(QStringLiteral("missing.db"));
+  const struct {
+    const char* name;
+    QString file;
+    int code;
+  } rows[] = {
+      {"a text file opens, as SQLite reads lazily", text, SQLITE_OK},
+      {"a folder", dir.path(), SQLITE_CANTOPEN},
+      {"a missing file", missing, SQLITE_CANTOPEN},
+      {"no path", QString(), SQLITE_CANTOPEN},
+  };
+  for (const auto& row : rows) {
+    const ExecResult result = openCheck(row.file);
+    EXPECT_EQ(result.code, row.code) << row.name;
+    EXPECT_EQ(result.error.isEmpty(), row.code == SQLITE_OK) << row.name;
+  }
+  EXPECT_FALSE(QFile::exists(missing));
+  EXPECT_EQ(test::readFile(text), "not an archive");
+  EXPECT_FALSE(archive.isOpen());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include "CliFixture.h"
 #include "MailFixtures.h"
 #include "archive/TestFiles.h"
 #include "support/TestEnvironment.h"
@@ -17,45 +18,7 @@ namespace {
 using test::MailFixtures;
 using test::readFile;
 
-struct CliResult {
-  int exitCode = -1;
-  QString out;
-  QString err;
-};
-
-class CliTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    ASSERT_TRUE(QFile::exists(test::toolPath(QStringLiteral("quillery-cli"))));
-  }
-
-  QString home() const { return homeDir.path(); }
-
-  CliResult cli(const QStringList& arguments,
-                const QString& program = test::toolPath(QStringLiteral("quillery-cli"))) const {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home());
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home() + QStringLiteral("/.config"));
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(120000))
-      return {};
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
-  }
-
-  QString mbox(int messages) const {
-    const QString path = homeDir.filePath(QStringLiteral("mail.mbox"));
-    EXPECT_TRUE(MailFixtures::writeMbox(path, messages));
-    return path;
-  }
-
-  QTemporaryDir homeDir;
-};
+using CliTest = CliFixture;
 
 TEST_F(CliTest, StoringIntoTheDefaultOrSavedArchivePrintsTheSummaryAndListingCountsIt) {
   const QString desktopArchive = home() + QStringLiteral("/Desktop/myemaildb");

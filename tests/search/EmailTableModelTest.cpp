@@ -52,6 +52,20 @@ TEST_F(EmailTableModelTest, TheTableShowsTheListInDisplayOrderThroughEveryChange
   list.onlyAttachCheck = true;
   retrieve();
   EXPECT_EQ(model.rowCount(), 20);
+
+  // A list made one row at a time by a feature stays reset until it is complete.
+  list.onlyAttachCheck = false;
+  list.startRows();
+  EXPECT_EQ(list.listCountText() + list.dbCountText(), "");
+  list.appendRow(Emailrow(41, 1, "2021-01-01 00:00:00*", "a", "b", "Made one", "m"));
+  list.appendRow(Emailrow(42, 0, "2021-01-02 00:00:00", "a", "b", "Made two", "m"));
+  list.finishRows();
+  ASSERT_EQ(model.rowCount(), 2);
+  EXPECT_EQ(model.data(model.index(1, 0)), "Made two");
+  EXPECT_EQ(archive.idList, (QStringList{"41", "42"}));
+  EXPECT_EQ(list.listCountText() + list.dbCountText(),
+            "2 emails in this list.30 emails in the database.");
+  EXPECT_EQ(font.size(), 3);
 }
 
 }  // namespace
