@@ -25,16 +25,6 @@ void SqlEscape::appendEscaped(QString& out, QStringView text) {
   out.append(text.mid(from));
 }
 
-void SqlEscape::appendQuotesDoubled(QString& out, QStringView text) {
-  qsizetype from = 0;
-  for (qsizetype at = text.indexOf(u'"'); at >= 0; at = text.indexOf(u'"', from)) {
-    out.append(text.mid(from, at + 1 - from));
-    out.append(u'"');
-    from = at + 1;
-  }
-  out.append(text.mid(from));
-}
-
 void SqlEscape::escapeSqlText(QString& text) {
   if (!text.contains(u'\\') && !text.contains(u'"'))
     return;  // untouched and still shared

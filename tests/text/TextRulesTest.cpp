@@ -32,16 +32,6 @@ TEST(SqlEscapeTest, EscapingDoublesBackslashesFirstThenQuotes) {
                                         {"quotes", "say \"hi\"", "say \"\"hi\"\""},
                                         {"escaped quote stays two characters", "\\\"", "\\\\\"\""},
                                         {"nothing to do", "plain 'single'", "plain 'single'"}});
-  // Text copied from one archive into another keeps its backslashes as they are.
-  const auto quotesDoubled = [](QString& text) {
-    QString out = QStringLiteral("<");
-    SqlEscape::appendQuotesDoubled(out, text);
-    text = out;
-  };
-  expectRows(quotesDoubled, {{"stored path", "C:\\\\temp", "<C:\\\\temp"},
-                             {"quotes at both ends", "\"a\"\"", "<\"\"a\"\"\"\""},
-                             {"non-ASCII", "Grüße 日本", "<Grüße 日本"},
-                             {"empty", "", "<"}});
 }
 
 TEST(PlistTrailerTest, StripPlistCutsFromTheXmlNearTheMarker) {

@@ -15,10 +15,11 @@
 namespace quillery::maintenance {
 namespace {
 
-// Appends ,"text" with the text's double quotes doubled.
+// Appends ,"text" escaped as every text in a statement is: backslashes doubled, then double
+// quotes. SQLite keeps the doubled backslashes, so a backslash arrives doubled in the copy.
 void appendQuoted(QString& statement, QStringView value) {
   statement.append(QLatin1String(",\""));
-  text::SqlEscape::appendQuotesDoubled(statement, value);
+  text::SqlEscape::appendEscaped(statement, value);
   statement.append(QLatin1Char('"'));
 }
 
