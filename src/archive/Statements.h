@@ -29,4 +29,9 @@ inline constexpr char kEmailRecordStatement[] =
     "SELECT date_fld,from_fld,to_fld,subj_fld,body_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE "
     "mailbox END),mailto,numAttach FROM email WHERE id=%1";
 
+// One message as the text block that printTextCallback makes of it; "%1" is the id.
+inline constexpr char kPrintTextStatement[] =
+    "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE mailbox "
+    "END),body_fld FROM email WHERE id=%1";
+
 }  // namespace quillery::archive
