@@ -73,6 +73,7 @@ ResultList::ResultList(archive::Archive& archive, platform::Dialogs& dialogs,
     : QObject(parent), archive_(archive), dialogs_(dialogs), progress_(progress) {}
 
 void ResultList::retrieve(const QString& dbPath) {
+  listedArchivePath_ = dbPath;
   Q_EMIT listWindowClosed();
   Q_EMIT sqlPanelClosed();
   // The table stays reset until the new rows are in: no view reads them half made.
@@ -164,6 +165,31 @@ void ResultList::clear() {
   emptyRows();
   Q_EMIT listReset();
   Q_EMIT countsChanged(dbCountText_, listCountText_);
+}
+
+void ResultList::removeAll() {
+  Q_EMIT listAboutToReset();
+  emptyRows();
+  Q_EMIT listReset();
+  showCounts();
+}
+
+bool ResultList::reopenListedArchive() {
+  if (archive_.isOpen())
+    return true;
+  if (listedArchivePath_.isEmpty())
+    return false;
+  archive_.openDB(listedArchivePath_);
+  if (archive_.openFailed) {
+    archive_.openFailed = false;
+    return false;
+  }
+  return true;
+}
+
+void ResultList::replaceRow(int arrayIndex, Emailrow row) {
+  if (arrayIndex >= 0 && arrayIndex < emailRows.size())
+    emailRows[arrayIndex] = std::move(row);
 }
 
 int ResultList::arrayIndex(int displayRow) const {
