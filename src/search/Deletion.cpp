@@ -75,7 +75,8 @@ bool Deletion::deleteAttachments(const QList<int>& selectedDisplayRows) {
 }
 
 bool Deletion::run(What what, const QList<int>& displayRows) {
-  if (!list_.reopenListedArchive())
+  // A store run's transaction holds the connection: this action's COMMIT would end it.
+  if (archive_.storeRunUnderWay || !list_.reopenListedArchive())
     return false;
   progress_.showCount(QStringLiteral("0"));
   progress_.setRunControlsVisible(true, RunControls::Count);

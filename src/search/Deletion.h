@@ -20,7 +20,7 @@ class ResultList;
 // statement that fails shows "SQL error: %s" and ends the action at once: no COMMIT is sent,
 // the transaction stays open (so nothing of the action is in the file yet), the progress
 // panel stays and the list is not changed. A message's tags row is never deleted: tags
-// outlive their message.
+// outlive their message. While a store run holds the connection nothing is deleted.
 class Deletion {
  public:
   Deletion(archive::Archive& archive, ResultList& list, platform::Dialogs& dialogs,

@@ -57,7 +57,8 @@ std::optional<TagValues> Tagging::setTags(int displayRow) {
 }
 
 bool Tagging::addTags(const TagValues& values, const QList<int>& selectedDisplayRows) {
-  if (!list_.reopenListedArchive())
+  // A store run's transaction holds the connection: this action's COMMIT would end it.
+  if (archive_.storeRunUnderWay || !list_.reopenListedArchive())
     return false;
   if (!values.category.isEmpty() && !categories_.categoryList.contains(values.category)) {
     categories_.categoryList.append(values.category);

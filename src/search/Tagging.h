@@ -42,7 +42,8 @@ class Tagging : public QObject {
   // and the work goes on; a failing INSERT is reported and ends the action at once: no
   // COMMIT is sent and the transaction stays open, so the rows changed so far are not in the
   // file. Line breaks in the texts are not stored. Ends with "Done tagging email". Returns
-  // false when it stopped early or had no connection.
+  // false when it stopped early or had no connection; while a store run holds the
+  // connection nothing is written.
   bool addTags(const TagValues& values, const QList<int>& selectedDisplayRows);
 
   archive::TagRecord tags;
