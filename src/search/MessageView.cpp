@@ -86,9 +86,11 @@ void MessageView::displayAttachments() {
 void MessageView::viewOrig(int displayRow) {
   if (list_.emailRows.isEmpty() || displayRow < 0 || displayRow >= list_.emailRows.size())
     return;
-  if (!list_.reopenListedArchive())
-    return;
-  const int id = list_.rowAt(displayRow).emailID();
+  if (list_.reopenListedArchive())
+    viewOrigOf(list_.rowAt(displayRow).emailID());
+}
+
+void MessageView::viewOrigOf(int id) {
   reportOnStderr(archive_.exec(QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(id),
                                archive::singleValueCallback, &archive_));
   if (archive_.sqlResult.size() > 1) {

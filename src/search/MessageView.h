@@ -47,6 +47,8 @@ class MessageView : public QObject {
   // (after a selection, the attachment count), so a text of one character or less counts as
   // no source.
   void viewOrig(int displayRow);
+  // The same for the message with this id.
+  void viewOrigOf(int id);
   // Starts a reply to the message at this row: the shown text without its "ID: n" line goes
   // to the clipboard and "mailto:" with the reply address (mailto, else the sender) opens.
   void replyToEmail(int displayRow);
