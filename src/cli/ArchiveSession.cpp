@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include "archive/Statements.h"
+#include "cli/Console.h"
 
 namespace quillery::cli {
 
@@ -17,7 +18,10 @@ bool ArchiveSession::open(const QString& archivePath) {
   return !archive.openFailed;
 }
 
-QList<int> ArchiveSession::listIds(const QList<int>& ids) {
+bool ArchiveSession::openWithMessages(const QString& archivePath, const QList<int>& ids,
+                                      const char* undone) {
+  if (!open(archivePath))
+    return false;
   QStringList texts;
   for (const int id : ids)
     texts.append(QString::number(id));
@@ -25,10 +29,17 @@ QList<int> ArchiveSession::listIds(const QList<int>& ids) {
       archive::listStatement(QStringLiteral(" WHERE id IN (") + texts.join(QLatin1Char(',')) +
                              QStringLiteral(") ORDER BY id"));
   list.retrieve(path);
+  if (failed())
+    return false;
   QList<int> missing = ids;
   for (const search::Emailrow& row : std::as_const(list.emailRows))
     missing.removeAll(row.emailID());
-  return missing;
+  if (missing.isEmpty())
+    return true;
+  print(stderr, QStringLiteral("quillery-cli: no message with id %1; nothing was %2\n")
+                    .arg(missing.first())
+                    .arg(QLatin1String(undone)));
+  return false;
 }
 
 QList<int> ArchiveSession::allRows() const {

@@ -19,9 +19,11 @@ class ArchiveSession {
 
   // Opens the archive (openDB, creating it when missing); false after its alert.
   bool open(const QString& path);
-  // Lists the messages with these ids, in id order, as a search would; answers the ids that
-  // are not in the archive. A failing statement has shown its alert.
-  QList<int> listIds(const QList<int>& ids);
+  // Opens the archive and lists the messages with these ids, in id order, as a search
+  // would. False when the archive did not open, the statement failed (its alert has been
+  // shown) or an id is not in the archive, which is said on standard error with
+  // "nothing was <undone>".
+  bool openWithMessages(const QString& path, const QList<int>& ids, const char* undone);
   // Every display row of the list.
   QList<int> allRows() const;
   // Whether an alert ended an action (a critical alert was shown).

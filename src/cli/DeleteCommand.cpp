@@ -81,16 +81,8 @@ int DeleteCommand::run(const QStringList& arguments) {
     return usageError(line.error());
 
   ArchiveSession session;
-  if (!session.open(line.archivePath()))
+  if (!session.openWithMessages(line.archivePath(), ids, "deleted"))
     return kFailed;
-  const QList<int> missing = session.listIds(ids);
-  if (session.failed())
-    return kFailed;
-  if (!missing.isEmpty()) {
-    print(stderr, QStringLiteral("quillery-cli: no message with id %1; nothing was deleted\n")
-                      .arg(missing.first()));
-    return kFailed;
-  }
   ConfirmingDialogs dialogs(yes);
   search::Deletion deletion(session.archive, session.list, dialogs, session.progress);
   const bool done = attachmentsOnly ? deletion.deleteAttachments(session.allRows())

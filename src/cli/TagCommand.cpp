@@ -52,16 +52,8 @@ int TagCommand::run(const QStringList& arguments) {
     return usageError(line.error());
 
   ArchiveSession session;
-  if (!session.open(line.archivePath()))
+  if (!session.openWithMessages(line.archivePath(), ids, "tagged"))
     return kFailed;
-  const QList<int> missing = session.listIds(ids);
-  if (session.failed())
-    return kFailed;
-  if (!missing.isEmpty()) {
-    print(stderr, QStringLiteral("quillery-cli: no message with id %1; nothing was tagged\n")
-                      .arg(missing.first()));
-    return kFailed;
-  }
   // The list's confirmation is printed here, on standard output.
   session.dialogs.silenceTitle(QStringLiteral("Done tagging email"));
   search::CategoryList categories(session.archive);
