@@ -84,8 +84,10 @@ TEST_F(RowCallbacksTest, EachCallbackCollectsItsRowsAsText) {
   EXPECT_TRUE(t.tagFound);
   EXPECT_EQ((QStringList{t.tagCategory, t.tagKeywords, t.tagPriority, t.tagNotes}),
             (QStringList{"Work", "k1", "3", "n"}));
+}
 
-  // The message text block: every label written, a NULL column adding nothing after it, no
+TEST_F(RowCallbacksTest, TheMessageTextBlockHasEveryLabelAndNoBreakAfterTheBody) {
+  // Every label written, a NULL column adding nothing after it, no
   // line break after the body; a query without rows leaves the text alone.
   QString rowText = QStringLiteral("earlier");
   archive.exec(QString::fromLatin1(kPrintTextStatement).arg(1), printTextCallback, &rowText);
