@@ -12,6 +12,7 @@
 #include "platform/Workspace.h"
 #include "search/AttachmentLink.h"
 #include "search/Base64Decoder.h"
+#include "search/SqlErrorReport.h"
 #include "text/LeadingInt.h"
 
 namespace quillery::search {
@@ -80,7 +81,7 @@ bool AttachmentOpener::fetchAttachment(const QString& link, int attachmentIDForV
         QStringLiteral("SELECT encode_fld,attach_fld FROM attachments WHERE id=") + id,
         archive::columnListCallback, &archive_);
   if (!result.ok()) {
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
+    reportOnStderr(result);
     return false;
   }
   const qsizetype at = 2 * qsizetype(parts.position);

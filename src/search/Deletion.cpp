@@ -6,16 +6,12 @@
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
 #include "search/ResultList.h"
+#include "search/SqlErrorReport.h"
 
 namespace quillery::search {
 namespace {
 
 using RunControls = platform::Progress::RunControls;
-
-void reportOnStderr(const archive::ExecResult& result) {
-  if (!result.ok())
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
-}
 
 // Asks with "Delete" (the default) and "Cancel"; true for "Delete".
 bool confirmed(platform::Dialogs& dialogs, const char* title, const char* message) {

@@ -11,17 +11,12 @@
 #include "platform/Workspace.h"
 #include "search/AttachmentLink.h"
 #include "search/ResultList.h"
+#include "search/SqlErrorReport.h"
 
 namespace quillery::search {
 namespace {
 
 const QString kMarker = QStringLiteral("ATTACHMENTS:");
-
-bool reportOnStderr(const archive::ExecResult& result) {
-  if (!result.ok())
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
-  return result.ok();
-}
 
 }  // namespace
 

@@ -11,6 +11,7 @@
 #include "archive/RowCallbacks.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
+#include "search/SqlErrorReport.h"
 
 namespace quillery::search {
 namespace {
@@ -54,11 +55,6 @@ int idFromText(const char* text) {
   if (std::isnan(value))
     return 0;
   return int(std::clamp<double>(value, INT_MIN, INT_MAX));
-}
-
-void reportOnStderr(const archive::ExecResult& result) {
-  if (!result.ok())
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
 }
 
 }  // namespace

@@ -9,16 +9,12 @@
 #include "search/CategoryList.h"
 #include "search/Priorities.h"
 #include "search/ResultList.h"
+#include "search/SqlErrorReport.h"
 #include "text/LeadingInt.h"
 #include "text/SqlEscape.h"
 
 namespace quillery::search {
 namespace {
-
-void reportOnStderr(const archive::ExecResult& result) {
-  if (!result.ok())
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
-}
 
 QString escaped(QString text) {
   text::SqlEscape::escapeSqlText(text);
