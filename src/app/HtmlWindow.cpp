@@ -1,5 +1,6 @@
 #include "app/HtmlWindow.h"
 
+#include <QFile>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
@@ -47,6 +48,25 @@ QWebEngineView* HtmlWindow::myHtmlWebView() {
 
 void HtmlWindow::showFile(const QString& path) {
   myHtmlWebView()->setUrl(QUrl::fromLocalFile(path));
+  show();
+  raise();
+  activateWindow();
+}
+
+}  // namespace quillery::app
+
+namespace quillery::app {
+
+void HtmlWindow::showHtmlFile(const QString& path) {
+  // Content handed over directly travels as a data URL, which the engine limits to 2 MB.
+  constexpr qint64 kContentLimit = 2 * 1024 * 1024 - 64 * 1024;
+  QFile file(path);
+  const QUrl base = QUrl::fromLocalFile(path);
+  if (file.size() > kContentLimit || !file.open(QIODevice::ReadOnly)) {
+    showFile(path);
+    return;
+  }
+  myHtmlWebView()->setContent(file.readAll(), QStringLiteral("text/html;charset=utf-8"), base);
   show();
   raise();
   activateWindow();

@@ -24,6 +24,10 @@ class HtmlWindow : public QWidget {
   QWebEngineView* myHtmlWebView();
   // Loads the local HTML file at path and brings the window to the front.
   void showFile(const QString& path);
+  // Shows the bytes of the HTML file at path as UTF-8 text, with the file's own URL as the
+  // base for what the page names (local files only load), and brings the window to the
+  // front. A page that the engine cannot take as content (over 2 MB) is loaded from the file.
+  void showHtmlFile(const QString& path);
 
  private:
   QVBoxLayout* layout_;

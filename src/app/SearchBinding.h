@@ -1,6 +1,14 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
+
+namespace quillery::search {
+class Deletion;
+class EmailSearch;
+class SearchQueryBuilder;
+class SqlQuery;
+}  // namespace quillery::search
 
 namespace quillery::app {
 
@@ -15,6 +23,7 @@ class SearchBinding : public QObject {
 
  public:
   explicit SearchBinding(AppContext& context, QObject* parent = nullptr);
+  ~SearchBinding() override;
 
   void retrieveFromDB();
   void retrieveEmails();
@@ -29,7 +38,14 @@ class SearchBinding : public QObject {
   void deleteAttachments();
 
  private:
+  // The first item of the search panel's category pop-up, which the tag reset selects.
+  QString firstCategory() const;
+
   AppContext& context_;
+  std::unique_ptr<search::SearchQueryBuilder> builder_;
+  std::unique_ptr<search::EmailSearch> search_;
+  std::unique_ptr<search::SqlQuery> sqlQuery_;
+  std::unique_ptr<search::Deletion> deletion_;
 };
 
 }  // namespace quillery::app

@@ -11,6 +11,8 @@
 #include <QVBoxLayout>
 
 #include "app/DatePopUp.h"
+#include "search/Priorities.h"
+#include "search/SearchForm.h"
 
 namespace quillery::app {
 
@@ -22,9 +24,10 @@ QComboBox* connector(QWidget* parent) {
   return popUp;
 }
 
-QStringList priorityTitles() {
-  return {QStringLiteral("None"),   QStringLiteral("Highest"), QStringLiteral("High"),
-          QStringLiteral("Medium"), QStringLiteral("Low"),     QStringLiteral("Lowest")};
+void select(QComboBox* popUp, const QString& title) {
+  const int index = popUp->findText(title, Qt::MatchExactly);
+  if (index >= 0)
+    popUp->setCurrentIndex(index);
 }
 
 }  // namespace
@@ -57,7 +60,7 @@ SearchPanel::SearchPanel(QWidget* parent)
   setWindowTitle(tr("Search"));
   searchButton->setDefault(true);
   searchCatButton->addItem(QStringLiteral("None"));
-  searchPriorityButton->addItems(priorityTitles());
+  searchPriorityButton->addItems(search::priorityTitles());
 
   auto* dates = new QHBoxLayout;
   dates->addWidget(new QLabel(tr("From:"), this));
@@ -115,6 +118,59 @@ SearchPanel::SearchPanel(QWidget* parent)
   layout->addWidget(messageBox);
   layout->addWidget(tagBox);
   layout->addLayout(buttons);
+  search::SearchForm neutral;
+  setForm(neutral);
+}
+
+search::SearchForm SearchPanel::form() const {
+  search::SearchForm f;
+  f.beginMo = beginMo->title();
+  f.beginDa = beginDa->title();
+  f.beginYr = beginYr->title();
+  f.endMo = endMo->title();
+  f.endDa = endDa->title();
+  f.endYr = endYr->title();
+  for (int i = 0; i < keyWords.size(); ++i)
+    f.keyWords[std::size_t(i)] = keyWords[i]->text();
+  f.fromAndButton = fromAndButton->currentText();
+  f.toAndButton = toAndButton->currentText();
+  f.subjAndButton = subjAndButton->currentText();
+  f.mailboxAndButton = mailboxAndButton->currentText();
+  f.onlyAttachCheck = onlyAttachCheck->isChecked();
+  f.searchCatButton = searchCatButton->currentText();
+  for (int i = 0; i < tagWords.size(); ++i)
+    f.tagWords[std::size_t(i)] = tagWords[i]->text();
+  f.catAndButton = catAndButton->currentText();
+  f.keywordsAndButton = keywordsAndButton->currentText();
+  f.priorityAndButton = priorityAndButton->currentText();
+  f.priorityCheck = priorityCheck->isChecked();
+  f.searchPriorityButton = searchPriorityButton->currentText();
+  return f;
+}
+
+void SearchPanel::setForm(const search::SearchForm& f) {
+  const QList<QPair<DatePopUp*, QString>> dates{{beginMo, f.beginMo}, {beginDa, f.beginDa},
+                                                {beginYr, f.beginYr}, {endMo, f.endMo},
+                                                {endDa, f.endDa},     {endYr, f.endYr}};
+  for (const auto& [popUp, title] : dates)
+    popUp->selectTitle(title);
+  for (int i = 0; i < keyWords.size(); ++i)
+    keyWords[i]->setText(f.keyWords[std::size_t(i)]);
+  const QList<QPair<QComboBox*, QString>> popUps{{fromAndButton, f.fromAndButton},
+                                                 {toAndButton, f.toAndButton},
+                                                 {subjAndButton, f.subjAndButton},
+                                                 {mailboxAndButton, f.mailboxAndButton},
+                                                 {searchCatButton, f.searchCatButton},
+                                                 {catAndButton, f.catAndButton},
+                                                 {keywordsAndButton, f.keywordsAndButton},
+                                                 {priorityAndButton, f.priorityAndButton},
+                                                 {searchPriorityButton, f.searchPriorityButton}};
+  for (const auto& [popUp, title] : popUps)
+    select(popUp, title);
+  onlyAttachCheck->setChecked(f.onlyAttachCheck);
+  for (int i = 0; i < tagWords.size(); ++i)
+    tagWords[i]->setText(f.tagWords[std::size_t(i)]);
+  priorityCheck->setChecked(f.priorityCheck);
 }
 
 }  // namespace quillery::app

@@ -8,17 +8,27 @@ class QComboBox;
 class QLineEdit;
 class QPushButton;
 
+namespace quillery::search {
+struct SearchForm;
+}
+
 namespace quillery::app {
 
 class DatePopUp;
 
 // The search panel: a date range, words for five message fields and part of an attachment's
-// name, the tag fields, and the connectors ("AND"/"OR") placed between the fields.
+// name, the tag fields, and the connectors ("AND"/"OR") placed between the fields. It opens
+// neutral, as the two reset actions leave it.
 class SearchPanel : public QDialog {
   Q_OBJECT
 
  public:
   explicit SearchPanel(QWidget* parent = nullptr);
+
+  // What the panel holds, as the search takes it.
+  search::SearchForm form() const;
+  // Shows the form's values; a title the pop-up lacks leaves that pop-up as it was.
+  void setForm(const search::SearchForm& form);
 
   DatePopUp* beginMo;
   DatePopUp* beginDa;

@@ -7,18 +7,19 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QSplitter>
-#include <QTableView>
-#include <QTextBrowser>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <cmath>
+
+#include "app/ResultTableView.h"
+#include "app/TextViewWithLinks.h"
 
 namespace quillery::app {
 
 StorePanel::StorePanel(QWidget* parent)
     : QWidget(parent),
-      storeTableView(new QTableView(this)),
-      bodyTextView(new QTextBrowser(this)),
+      storeTableView(new ResultTableView(this)),
+      bodyTextView(new TextViewWithLinks(this)),
       viewOrigButton(new QPushButton(tr("View Source"), this)),
       dbCountTextField(new QLabel(this)),
       listCountTextField(new QLabel(this)),
@@ -48,7 +49,6 @@ StorePanel::StorePanel(QWidget* parent)
   header->setFont(QApplication::font());
   connect(header, &QHeaderView::sectionClicked, this, &StorePanel::columnClicked);
 
-  bodyTextView->setOpenLinks(false);
   bodyTextView->setPlaceholderText(tr("Select a message to read it here."));
   viewOrigButton->setEnabled(false);
 
@@ -102,6 +102,21 @@ QList<int> StorePanel::selectedDisplayRows() const {
     rows.append(index.row());
   std::sort(rows.begin(), rows.end());
   return rows;
+}
+
+}  // namespace quillery::app
+
+namespace quillery::app {
+
+int StorePanel::selectedDisplayRow() const {
+  const QItemSelectionModel* selection = storeTableView->selectionModel();
+  if (selection == nullptr)
+    return -1;
+  const QModelIndex current = selection->currentIndex();
+  if (current.isValid() && selection->isRowSelected(current.row(), current.parent()))
+    return current.row();
+  const QList<int> rows = selectedDisplayRows();
+  return rows.isEmpty() ? -1 : rows.first();
 }
 
 }  // namespace quillery::app

@@ -3,11 +3,12 @@
 #include <QList>
 #include <QWidget>
 
+#include "app/ResultTableView.h"
+#include "app/TextViewWithLinks.h"
+
 class QLabel;
 class QPushButton;
 class QSplitter;
-class QTableView;
-class QTextBrowser;
 
 namespace quillery::app {
 
@@ -27,9 +28,12 @@ class StorePanel : public QWidget {
   void applyListFont(const QFont& font);
   // The table rows the user selected, ascending.
   QList<int> selectedDisplayRows() const;
+  // The selected row the message view shows: the current row when it is selected, else the
+  // lowest selected row; -1 when none is selected.
+  int selectedDisplayRow() const;
 
-  QTableView* storeTableView;
-  QTextBrowser* bodyTextView;
+  ResultTableView* storeTableView;
+  TextViewWithLinks* bodyTextView;
   QPushButton* viewOrigButton;
   QLabel* dbCountTextField;
   QLabel* listCountTextField;

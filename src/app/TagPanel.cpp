@@ -7,6 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "search/Priorities.h"
+#include "search/TagValues.h"
+
 namespace quillery::app {
 
 TagPanel::TagPanel(QWidget* parent)
@@ -20,9 +23,8 @@ TagPanel::TagPanel(QWidget* parent)
   setObjectName(QStringLiteral("tagPanel"));
   setWindowTitle(tr("Tags"));
   setCatButton->addItem(QStringLiteral("None"));
-  priorityButton->addItems({QStringLiteral("None"), QStringLiteral("Highest"),
-                            QStringLiteral("High"), QStringLiteral("Medium"), QStringLiteral("Low"),
-                            QStringLiteral("Lowest")});
+  // The positions are the stored priority numbers.
+  priorityButton->addItems(search::priorityTitles());
   setTagsButton->setDefault(true);
   catTextField->setMinimumWidth(240);
 
@@ -40,6 +42,25 @@ TagPanel::TagPanel(QWidget* parent)
   auto* layout = new QVBoxLayout(this);
   layout->addLayout(form);
   layout->addLayout(buttons);
+  connect(setCatButton, &QComboBox::activated, this, &TagPanel::chooseSetCat);
+}
+
+search::TagValues TagPanel::values() const {
+  return {catTextField->text(), keywordsTextField->text(), notesTextField->text(),
+          priorityButton->currentText()};
+}
+
+void TagPanel::setValues(const search::TagValues& values) {
+  catTextField->setText(values.category);
+  keywordsTextField->setText(values.keywords);
+  notesTextField->setText(values.notes);
+  priorityButton->setCurrentIndex(
+      int(std::max<qsizetype>(search::priorityTitles().indexOf(values.priority), 0)));
+}
+
+void TagPanel::chooseSetCat() {
+  const QString title = setCatButton->currentText();
+  catTextField->setText(title == QLatin1String("None") ? QString() : title);
 }
 
 }  // namespace quillery::app

@@ -6,6 +6,10 @@ class QComboBox;
 class QLineEdit;
 class QPushButton;
 
+namespace quillery::search {
+struct TagValues;
+}
+
 namespace quillery::app {
 
 // The tag panel: category (typed, or chosen from the known ones), keywords, priority and notes
@@ -15,6 +19,12 @@ class TagPanel : public QDialog {
 
  public:
   explicit TagPanel(QWidget* parent = nullptr);
+
+  // The values the panel saves, and the values of a message shown in it.
+  search::TagValues values() const;
+  void setValues(const search::TagValues& values);
+  // A category chosen in setCatButton goes into the category field; "None" empties it.
+  void chooseSetCat();
 
   QLineEdit* catTextField;
   QComboBox* setCatButton;

@@ -56,4 +56,17 @@ int tagRecordCallback(void* context, int columns, char** values, char** /*names*
   return 0;
 }
 
+int printTextCallback(void* context, int columns, char** values, char** /*names*/) {
+  static constexpr const char* kLabels[] = {
+      "ID: ", "\nDATE: ", "\nFROM: ", "\nTO: ", "\nSUBJECT: ", "\nMAILBOX: ", "\n\n"};
+  auto* rowText = static_cast<QString*>(context);
+  rowText->clear();
+  for (int i = 0; i < 7; ++i) {
+    *rowText += QLatin1String(kLabels[i]);
+    if (i < columns && values[i] != nullptr)
+      *rowText += text(values, i);
+  }
+  return 0;
+}
+
 }  // namespace quillery::archive

@@ -20,4 +20,10 @@ int emailRecordCallback(void* context, int columns, char** values, char** names)
 // does nothing for a row without columns.
 int tagRecordCallback(void* context, int columns, char** values, char** names);
 
+// Context: QString* (the shared message text). Replaces the text with the block "ID: " id
+// "\nDATE: " date "\nFROM: " from "\nTO: " to "\nSUBJECT: " subject "\nMAILBOX: " mailbox
+// "\n\n" body, from the seven columns of kPrintTextStatement in that order. A NULL column adds
+// nothing but its label is still written; the block has no line break after the body.
+int printTextCallback(void* context, int columns, char** values, char** names);
+
 }  // namespace quillery::archive

@@ -53,4 +53,9 @@ inline QString insertInto(QStringView schema, const char* columns) {
   return QLatin1String("INSERT INTO ") + schema.toString() + QLatin1String(columns);
 }
 
+// One message as the text block that printTextCallback makes of it; "%1" is the id.
+inline constexpr char kPrintTextStatement[] =
+    "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE mailbox "
+    "END),body_fld FROM email WHERE id=%1";
+
 }  // namespace quillery::archive

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "archive/Archive.h"
+#include "search/SqlErrorReport.h"
 
 namespace quillery::search {
 
@@ -30,7 +31,7 @@ bool CategoryList::getCategories(const QString& dbPath) {
   // this it would grow by the archive's categories each time.
   categoryList.removeDuplicates();
   if (!result.ok()) {
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
+    reportOnStderr(result);
     return false;
   }
   return true;

@@ -53,6 +53,10 @@ EmailTableModel::EmailTableModel(ResultList& list, QStringList columnIdentifiers
       beginResetModel();
     }
   });
+  connect(&list_, &ResultList::rowsReplaced, this, [this] {
+    if (rowCount() > 0 && columnCount() > 0)
+      Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1), {Qt::DisplayRole});
+  });
   connect(&list_, &ResultList::listReset, this, [this] {
     if (!resetting_)
       beginResetModel();

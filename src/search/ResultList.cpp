@@ -11,6 +11,7 @@
 #include "archive/RowCallbacks.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
+#include "search/SqlErrorReport.h"
 
 namespace quillery::search {
 namespace {
@@ -56,11 +57,6 @@ int idFromText(const char* text) {
   return int(std::clamp<double>(value, INT_MIN, INT_MAX));
 }
 
-void reportOnStderr(const archive::ExecResult& result) {
-  if (!result.ok())
-    std::fprintf(stderr, "SQL error: %s\n", result.error.toUtf8().constData());
-}
-
 }  // namespace
 
 const QStringList ResultList::kColumnIdentifiers = {
@@ -73,6 +69,7 @@ ResultList::ResultList(archive::Archive& archive, platform::Dialogs& dialogs,
     : QObject(parent), archive_(archive), dialogs_(dialogs), progress_(progress) {}
 
 void ResultList::retrieve(const QString& dbPath) {
+  listedArchivePath_ = dbPath;
   Q_EMIT listWindowClosed();
   Q_EMIT sqlPanelClosed();
   // The table stays reset until the new rows are in: no view reads them half made.
@@ -166,7 +163,8 @@ void ResultList::clear() {
   Q_EMIT countsChanged(dbCountText_, listCountText_);
 }
 
-void ResultList::startRows() {
+void ResultList::startRows(const QString& dbPath) {
+  listedArchivePath_ = dbPath;
   Q_EMIT listAboutToReset();
   emptyRows();
   Q_EMIT countsChanged(dbCountText_, listCountText_);
@@ -182,6 +180,31 @@ void ResultList::finishRows() {
   Q_EMIT fontReapplied();
   Q_EMIT listReset();
   showCounts();
+}
+
+void ResultList::removeAll() {
+  Q_EMIT listAboutToReset();
+  emptyRows();
+  Q_EMIT listReset();
+  showCounts();
+}
+
+bool ResultList::reopenListedArchive() {
+  if (archive_.isOpen())
+    return true;
+  if (listedArchivePath_.isEmpty())
+    return false;
+  archive_.openDB(listedArchivePath_);
+  if (archive_.openFailed) {
+    archive_.openFailed = false;
+    return false;
+  }
+  return true;
+}
+
+void ResultList::replaceRow(int arrayIndex, Emailrow row) {
+  if (arrayIndex >= 0 && arrayIndex < emailRows.size())
+    emailRows[arrayIndex] = std::move(row);
 }
 
 int ResultList::arrayIndex(int displayRow) const {

@@ -48,13 +48,29 @@ class ResultList : public QObject {
   // Empties the list, the archive's idList and the two count texts, as a store run does
   // before it starts.
   void clear();
+  // Empties the list and idList after its messages were deleted from the archive, and shows
+  // the counts again ("0 emails in this list.").
+  void removeAll();
+
+  // The actions on listed messages use the connection that the retrieval left open. When
+  // something closed it since (reading the categories does), this opens the archive that the
+  // list was read from again; false when there is none or it does not open (openDB's alert
+  // has been shown and openFailed is cleared again).
+  bool reopenListedArchive();
+  // The archive file of the last retrieval.
+  const QString& listedArchivePath() const { return listedArchivePath_; }
+
+  // Puts a new row in place of the row at this array index (the tag marker changed); the
+  // table is told by rowsReplaced, once for a batch.
+  void replaceRow(int arrayIndex, Emailrow row);
 
   // For a feature that makes the list itself one row at a time (the merge lists the messages
-  // it copied). startRows empties the list, the archive's idList and both count texts and
-  // holds the table reset until finishRows. appendRow adds a row and its id text to idList,
+  // it copied from another file into the archive at dbPath, which becomes the listed
+  // archive). startRows empties the list, the archive's idList and both count texts and holds
+  // the table reset until finishRows. appendRow adds a row and its id text to idList,
   // as a retrieved row would be added. finishRows applies the list font again, reloads the
   // table and shows both counts as a retrieval does (a failing count goes to standard error).
-  void startRows();
+  void startRows(const QString& dbPath);
   void appendRow(Emailrow row);
   void finishRows();
 
@@ -100,6 +116,8 @@ class ResultList : public QObject {
   void sortIndicatorChanged(const QString& identifier, bool descending);
   // After a removal the list's font and row height are applied again.
   void fontReapplied();
+  // Rows were replaced in place; their number and order are unchanged, so a selection stays.
+  void rowsReplaced();
 
  private:
   // The bytes and text of a column on the row read last, for sharing repeated texts.
@@ -120,6 +138,7 @@ class ResultList : public QObject {
   platform::Progress& progress_;
   QString dbCountText_;
   QString listCountText_;
+  QString listedArchivePath_;
   RepeatedText lastTo_;
   RepeatedText lastMailbox_;
 };

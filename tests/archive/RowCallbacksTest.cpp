@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include "archive/Archive.h"
+#include "archive/Statements.h"
 #include "support/FakeDialogs.h"
 #include "support/RecordingFiles.h"
 
@@ -83,6 +84,20 @@ TEST_F(RowCallbacksTest, EachCallbackCollectsItsRowsAsText) {
   EXPECT_TRUE(t.tagFound);
   EXPECT_EQ((QStringList{t.tagCategory, t.tagKeywords, t.tagPriority, t.tagNotes}),
             (QStringList{"Work", "k1", "3", "n"}));
+}
+
+TEST_F(RowCallbacksTest, TheMessageTextBlockHasEveryLabelAndNoBreakAfterTheBody) {
+  // Every label written, a NULL column adding nothing after it, no
+  // line break after the body; a query without rows leaves the text alone.
+  QString rowText = QStringLiteral("earlier");
+  archive.exec(QString::fromLatin1(kPrintTextStatement).arg(1), printTextCallback, &rowText);
+  EXPECT_EQ(rowText,
+            "ID: 1\nDATE: 2001-02-03 04:05:06\nFROM: Ann <a@x>\nTO: b@y\nSUBJECT: Hi\n"
+            "MAILBOX: INBOX\n\nbody");
+  archive.exec(QStringLiteral("SELECT 7,NULL,'f','t','s','',NULL"), printTextCallback, &rowText);
+  EXPECT_EQ(rowText, "ID: 7\nDATE: \nFROM: f\nTO: t\nSUBJECT: s\nMAILBOX: \n\n");
+  archive.exec(QString::fromLatin1(kPrintTextStatement).arg(99), printTextCallback, &rowText);
+  EXPECT_TRUE(rowText.startsWith(QLatin1String("ID: 7\n")));
 }
 
 }  // namespace

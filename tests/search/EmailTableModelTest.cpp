@@ -55,7 +55,7 @@ TEST_F(EmailTableModelTest, TheTableShowsTheListInDisplayOrderThroughEveryChange
 
   // A list made one row at a time by a feature stays reset until it is complete.
   list.onlyAttachCheck = false;
-  list.startRows();
+  list.startRows(QString());
   EXPECT_EQ(list.listCountText() + list.dbCountText(), "");
   list.appendRow(Emailrow(41, 1, "2021-01-01 00:00:00*", "a", "b", "Made one", "m"));
   list.appendRow(Emailrow(42, 0, "2021-01-02 00:00:00", "a", "b", "Made two", "m"));

@@ -41,7 +41,7 @@ bool DatabaseMerge::mergeFile(const QString& dbPath, const QString& mergePath) {
   }
   if (!confirm(dbPath, mergePath))
     return false;
-  clearVisibleState();
+  clearVisibleState(dbPath);
   if (!openBoth(dbPath, mergePath))
     return false;
   progress_.open(QStringLiteral("Merging..."));
@@ -68,10 +68,10 @@ bool DatabaseMerge::confirm(const QString& dbPath, const QString& mergePath) {
               {QStringLiteral("Merge"), QStringLiteral("Cancel")}}) == 0;
 }
 
-void DatabaseMerge::clearVisibleState() {
+void DatabaseMerge::clearVisibleState(const QString& dbPath) {
   Q_EMIT storePanelClosed();
   archive_.close();
-  list_.startRows();
+  list_.startRows(dbPath);
   Q_EMIT messageViewCleared();
   Q_EMIT storePanelTitleChanged(QStringLiteral("merging database..."));
   Q_EMIT storePanelShown();

@@ -58,7 +58,7 @@ class DatabaseMerge : public QObject {
 
  private:
   bool confirm(const QString& dbPath, const QString& mergePath);
-  void clearVisibleState();
+  void clearVisibleState(const QString& dbPath);
   bool openBoth(const QString& dbPath, const QString& mergePath);
   bool attach(const QString& mergePath);
   bool readMergeIds();

@@ -1,0 +1,236 @@
+// The search subsystem's user actions timed on a real archive, through the classes the
+// window uses:
+//
+//   search-bench ARCHIVE [ROUNDS] [WORD...]
+//
+// - a search on each body word, end to end as the search button runs it (reopening the
+//   archive, building the statement, listing the hits with their tag markers and counts);
+// - showing a selected message with ten attachment links in the real message view
+//   (offscreen), from the selection to the links under the pointing hand;
+// - tagging 1,000 selected messages;
+// - deleting 10,000 listed messages from the archive.
+// Tagging and deletion work on a copy of ARCHIVE, which is left as it was. Each figure is
+// printed with its target; the search and the message view are repeated ROUNDS times (5 by
+// default) and their first and median times given.
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+
+#include "app/TextViewWithLinks.h"
+#include "archive/Archive.h"
+#include "archive/Statements.h"
+#include "platform/Dialogs.h"
+#include "platform/Pasteboard.h"
+#include "platform/Progress.h"
+#include "platform/Workspace.h"
+#include "platform/qt/QtFiles.h"
+#include "search/CategoryList.h"
+#include "search/Deletion.h"
+#include "search/EmailSearch.h"
+#include "search/MessageView.h"
+#include "search/ResultList.h"
+#include "search/SearchQueryBuilder.h"
+#include "search/Tagging.h"
+
+namespace {
+
+using namespace quillery;
+
+// Ports that answer every question with its default button and show nothing.
+class Quiet : public platform::Dialogs,
+              public platform::Progress,
+              public platform::Workspace,
+              public platform::Pasteboard {
+ public:
+  int showAlert(const platform::Alert& alert) override {
+    if (alert.style == platform::AlertStyle::Critical)
+      std::fprintf(stderr, "alert: %s\n", qPrintable(alert.message));
+    return 0;
+  }
+  QString runSavePanel(const platform::SavePanel&) override { return {}; }
+  QStringList runOpenPanel(const platform::OpenPanel&) override { return {}; }
+  void open(const QString&) override {}
+  void setTitle(const QString&) override {}
+  void showCount(const QString&) override {}
+  void showItem(const QString&) override {}
+  void setRunControlsVisible(bool, RunControls) override {}
+  void close() override {}
+  bool openFile(const QString&) override { return false; }
+  bool openUrl(const QUrl&) override { return false; }
+  void setText(const QString&) override {}
+  QString text() const override { return {}; }
+};
+
+// The objects the window holds, on one archive file.
+struct Session {
+  explicit Session(const QString& file) : path(file) {}
+  QString path;
+  Quiet quiet;
+  platform::QtFiles files;
+  archive::Archive archive{quiet, files};
+  search::ResultList list{archive, quiet, quiet};
+  search::SearchQueryBuilder builder{archive, quiet, quiet};
+  search::EmailSearch search{archive, builder, list, quiet};
+
+  // Lists the messages the condition names, as a search would.
+  void listWhere(const QString& condition) {
+    archive.openDB(path);
+    archive.sqlText = archive::listStatement(condition);
+    list.retrieve(path);
+  }
+};
+
+// Wall-clock and processor time of one run of an action. The machine may be shared: the
+// processor time says what the action itself costs.
+struct Clock {
+  Clock() : cpuStart(cpuMs()) { wall.start(); }
+  static double cpuMs() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return double(t.tv_sec) * 1e3 + double(t.tv_nsec) / 1e6;
+  }
+  std::pair<double, double> elapsed() const {
+    return {double(wall.nsecsElapsed()) / 1e6, cpuMs() - cpuStart};
+  }
+  QElapsedTimer wall;
+  double cpuStart;
+};
+
+using Times = QList<std::pair<double, double>>;
+
+double median(QList<double> values) {
+  std::sort(values.begin(), values.end());
+  return values.at(values.size() / 2);
+}
+
+void report(const char* what, const Times& times, double target, const QString& detail) {
+  QList<double> wall, cpu;
+  for (const auto& [w, c] : times) {
+    wall.append(w);
+    cpu.append(c);
+  }
+  std::printf("%-44s first %7.1f ms, median %7.1f ms, processor %7.1f ms (target <= %.0f ms) %s\n",
+              what, wall.first(), median(wall), median(cpu), target, qPrintable(detail));
+}
+
+void searchBodyWord(const QString& path, const QString& word, int rounds) {
+  Session s(path);
+  search::SearchForm form;
+  form.keyWords[search::SearchForm::Body] = word;
+  Times times;
+  for (int round = 0; round < rounds; ++round) {
+    const Clock clock;
+    s.search.retrieveEmails(form, path);
+    times.append(clock.elapsed());
+  }
+  report(qPrintable(QStringLiteral("search on the body word '%1'").arg(word)), times, 150,
+         QStringLiteral("(%1 hits)").arg(s.list.listCount));
+}
+
+// Adds a message whose text lists ten attachments, each stored as its own row.
+int addTenAttachmentMessage(archive::Archive& archive) {
+  QString body = QStringLiteral("Here are the ten files.\n\nATTACHMENTS:\n");
+  for (int i = 0; i < 10; ++i)
+    body += QStringLiteral("report-%1.pdf\n").arg(i);
+  archive.exec(QStringLiteral("INSERT INTO email VALUES(NULL,'Bench <b@example.com>',"
+                              "'me@example.com','Ten files','2030-01-01 00:00:00','INBOX',"
+                              "'b@example.com','%1',10)")
+                   .arg(body));
+  const int id = int(archive.lastInsertRowId());
+  const QString data = QString::fromLatin1(QByteArray(60000, 'x').toBase64());
+  for (int i = 0; i < 10; ++i)
+    archive.exec(QStringLiteral("INSERT INTO attachments VALUES(%1,'application/pdf',"
+                                "'report-%2.pdf',1,'%3')")
+                     .arg(id)
+                     .arg(i)
+                     .arg(data));
+  return id;
+}
+
+void showTenLinks(const QString& path, int rounds) {
+  Session s(path);
+  s.archive.openDB(path);
+  const int id = addTenAttachmentMessage(s.archive);
+  s.listWhere(QStringLiteral(" WHERE id=%1").arg(id));
+  search::MessageView view(s.archive, s.list, s.quiet, s.quiet, s.quiet);
+  view.setTempDir(QDir::tempPath());
+  app::TextViewWithLinks text;
+  text.resize(900, 500);
+  text.show();
+  QObject::connect(&view, &search::MessageView::bodyTextChanged, &text,
+                   &app::TextViewWithLinks::showMessageText);
+  Times times;
+  for (int round = 0; round < rounds; ++round) {
+    const Clock clock;
+    view.tableViewSelectionDidChange(0);
+    text.repaint();
+    times.append(clock.elapsed());
+  }
+  report("showing a message with ten attachment links", times, 30,
+         QStringLiteral("(%1 links)").arg(view.shown().links.size()));
+}
+
+void tagThousand(const QString& path) {
+  Session s(path);
+  s.listWhere(QStringLiteral(" ORDER BY id LIMIT 1000"));
+  search::CategoryList categories(s.archive);
+  search::Tagging tagging(s.archive, s.list, categories, s.quiet, s.quiet);
+  QList<int> rows;
+  for (int row = 0; row < s.list.emailRows.size(); ++row)
+    rows.append(row);
+  const Clock clock;
+  tagging.addTags({QStringLiteral("Bench"), QStringLiteral("fast"), QStringLiteral("n"),
+                   QStringLiteral("High")},
+                  rows);
+  report("tagging the selected messages", {clock.elapsed()}, 1000,
+         QStringLiteral("(%1 messages)").arg(rows.size()));
+}
+
+void deleteTenThousand(const QString& path) {
+  Session s(path);
+  s.listWhere(QStringLiteral(" ORDER BY id LIMIT 10000"));
+  search::Deletion deletion(s.archive, s.list, s.quiet, s.quiet);
+  const int listed = s.list.listCount;
+  const Clock clock;
+  deletion.deleteAll();
+  report("deleting the listed messages", {clock.elapsed()}, 5000,
+         QStringLiteral("(%1 messages; %2)").arg(listed).arg(s.list.dbCountText()));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication app(argc, argv);
+  const QStringList args = app.arguments().mid(1);
+  if (args.isEmpty() || !QFile::exists(args.first())) {
+    std::fprintf(stderr, "usage: search-bench ARCHIVE [ROUNDS] [WORD...]\n");
+    return 2;
+  }
+  const QString archive = args.at(0);
+  const int rounds = std::max(1, args.value(1, QStringLiteral("5")).toInt());
+  QStringList words = args.mid(2);
+  if (words.isEmpty())
+    words = {QStringLiteral("kitchen"), QStringLiteral("zeppelin")};
+  for (const QString& word : words)
+    searchBodyWord(archive, word, rounds);
+
+  QTemporaryDir work;
+  const QString copy = work.filePath(QStringLiteral("copy.db"));
+  for (const auto& pass : {&tagThousand, &deleteTenThousand}) {
+    QFile::remove(copy);
+    if (!QFile::copy(archive, copy))
+      return 1;
+    pass(copy);
+  }
+  QFile::remove(copy);
+  QFile::copy(archive, copy);
+  showTenLinks(copy, rounds);
+  return 0;
+}
