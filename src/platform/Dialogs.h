@@ -16,12 +16,25 @@ struct Alert {
   QStringList buttons;
 };
 
-// What a save panel offers. An empty directory or file name means no preset.
+// What a save panel offers. An empty directory, file name, prompt or label means no preset.
+// With a required file type the chosen name always ends in "." and that type: the panel
+// appends it to a name that does not (so "Mail.sql.old" becomes "Mail.sql.old.sql").
 struct SavePanel {
   QString title;
   QString directory;
   QString fileName;
   bool canCreateDirectories = true;
+  QString prompt;            // the text of the confirming button
+  QString nameFieldLabel;    // the label before the name field
+  QString requiredFileType;  // without the dot; empty: the name is used as typed
+
+  // The path with the required file type appended where it is missing.
+  QString withRequiredFileType(const QString& path) const {
+    if (requiredFileType.isEmpty() || path.isEmpty())
+      return path;
+    const QString suffix = QLatin1Char('.') + requiredFileType;
+    return path.endsWith(suffix) ? path : path + suffix;
+  }
 };
 
 // What an open panel offers.

@@ -43,9 +43,13 @@ QString QtDialogs::runSavePanel(const SavePanel& panel) {
     dialog.selectFile(panel.fileName);
   if (!panel.canCreateDirectories)
     dialog.setOption(QFileDialog::ReadOnly, true);
+  if (!panel.prompt.isEmpty())
+    dialog.setLabelText(QFileDialog::Accept, panel.prompt);
+  if (!panel.nameFieldLabel.isEmpty())
+    dialog.setLabelText(QFileDialog::FileName, panel.nameFieldLabel);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
     return {};
-  return dialog.selectedFiles().constFirst();
+  return panel.withRequiredFileType(dialog.selectedFiles().constFirst());
 }
 
 QStringList QtDialogs::runOpenPanel(const OpenPanel& panel) {
