@@ -1,4 +1,5 @@
 #include "cli/CliCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/StoreCommand.h"
 
@@ -8,6 +9,7 @@ const std::vector<CliCommand>& cliCommands() {
   static const std::vector<CliCommand> kCommands{
       {"store", &StoreCommand::synopsis, &StoreCommand::help, &StoreCommand::run},
       {"list", &ListCommand::synopsis, &ListCommand::help, &ListCommand::run},
+      {"export", &ExportCommand::synopsis, &ExportCommand::help, &ExportCommand::run},
   };
   return kCommands;
 }

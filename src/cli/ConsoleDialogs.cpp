@@ -11,10 +11,12 @@ int ConsoleDialogs::showAlert(const platform::Alert& alert) {
     return 0;
   const QString line =
       alert.title.isEmpty() ? alert.message : alert.title + QStringLiteral(": ") + alert.message;
-  std::fputs(line.toUtf8().constData(), stderr);
+  FILE* stream =
+      informOnStdout_ && alert.style == platform::AlertStyle::Informational ? stdout : stderr;
+  std::fputs(line.toUtf8().constData(), stream);
   if (!line.endsWith(QLatin1Char('\n')))
-    std::fputc('\n', stderr);
-  std::fflush(stderr);
+    std::fputc('\n', stream);
+  std::fflush(stream);
   return 0;
 }
 

@@ -16,6 +16,8 @@ class ConsoleDialogs : public platform::Dialogs {
   QString runSavePanel(const platform::SavePanel& panel) override;
   QStringList runOpenPanel(const platform::OpenPanel& panel) override;
 
+  // Informational alerts (an export's "done") go to standard output from now on, as results.
+  void informOnStandardOutput() { informOnStdout_ = true; }
   // Alerts with this title are answered but not written, for texts the caller prints itself.
   void silenceTitle(const QString& title) { silenced_.insert(title); }
   // The text of the last alert that ended an action (critical), empty when none was shown.
@@ -23,6 +25,7 @@ class ConsoleDialogs : public platform::Dialogs {
 
  private:
   QSet<QString> silenced_;
+  bool informOnStdout_ = false;
   QString lastCritical_;
 };
 

@@ -208,6 +208,13 @@ void ArchiveExporter::endFailedCopy(ExportSession& session, const archive::ExecR
   session.closeProgress();
   session.showSqlError(result);
   ports_.archive.exec(QStringLiteral("DETACH mergee"));
+  // A full disk can stop SQLite half way through undoing the copy; the journal it leaves
+  // is played back by the next connection, so the file is settled now rather than later.
+  sqlite3* db = nullptr;
+  if (sqlite3_open_v2(exportPath_.toUtf8().constData(), &db, SQLITE_OPEN_READWRITE, nullptr) ==
+      SQLITE_OK)
+    sqlite3_exec(db, "SELECT count(*) FROM email", nullptr, nullptr, nullptr);
+  sqlite3_close(db);
 }
 
 }  // namespace quillery::exporting
