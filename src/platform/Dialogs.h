@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+class QPrinter;
+
 namespace quillery::platform {
 
 enum class AlertStyle { Informational, Critical };
@@ -57,6 +59,9 @@ class Dialogs {
   virtual QString runSavePanel(const SavePanel& panel) = 0;
   // Returns the chosen paths, or an empty list when the user cancelled.
   virtual QStringList runOpenPanel(const OpenPanel& panel) = 0;
+  // Lets the user set up the printer (which printer, or a PDF file, pages, copies); false when
+  // the user cancelled, and always where there is no print panel (a console).
+  virtual bool runPrintPanel(QPrinter& /*printer*/) { return false; }
 
   // A critical alert with a single "OK", the form of every alert that ends an action.
   void critical(const QString& title, const QString& message) {

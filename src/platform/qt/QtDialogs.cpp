@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPushButton>
 
 namespace quillery::platform {
@@ -63,6 +64,11 @@ QStringList QtDialogs::runOpenPanel(const OpenPanel& panel) {
   if (dialog.exec() != QDialog::Accepted)
     return {};
   return dialog.selectedFiles();
+}
+
+bool QtDialogs::runPrintPanel(QPrinter& printer) {
+  QPrintDialog dialog(&printer, parent_);
+  return dialog.exec() == QDialog::Accepted;
 }
 
 }  // namespace quillery::platform
