@@ -31,8 +31,8 @@ for count in "$@"; do
   for format in mbox sql archive tab text source list; do
     out="$work/export-$count.$format"
     rm -f "$out"
-    line=$("$build/bin/export-bench" "$db" "$format" "$out")
-    rate=$(sed -E 's/.* = ([0-9]+) messages\/s.*/\1/' <<<"$line")
+    line=$("$build/bin/export-bench" "$db" "$format" "$out" 2>/dev/null)
+    rate=$(sed -E 's/.*exported in [0-9.]+ s = ([0-9]+) messages\/s.*/\1/' <<<"$line")
     peak=$(sed -E 's/.*, ([0-9.]+) MB after exporting/\1/' <<<"$line")
     verdict=$(awk -v r="$rate" -v t="${target[$format]}" -v p="$peak" \
       'BEGIN { print (r >= t ? "speed ok" : "speed BELOW") " (target " t "/s), " (p <= 64 ? "memory ok" : "memory OVER") " (target 64 MB)" }')

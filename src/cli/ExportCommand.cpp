@@ -10,21 +10,12 @@
 #include "cli/Console.h"
 #include "cli/ConsoleDialogs.h"
 #include "cli/ConsoleProgress.h"
-#include "export/ArchiveExporter.h"
-#include "export/MboxExporter.h"
-#include "export/SqlDumpExporter.h"
-#include "export/TabExporter.h"
-#include "export/TextSaver.h"
+#include "export/ExportFormat.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
 
 namespace quillery::cli {
 namespace {
-
-using exporting::ExportOutcome;
-using exporting::ExportPorts;
-
-const QStringList kFormats = {"mbox", "sql", "archive", "tab", "text", "source", "list"};
 
 // The list's columns by the names the command line uses.
 const QHash<QString, QString> kColumns = {{"id", "emailID"},          {"attachments", "emailAtch"},
@@ -33,23 +24,24 @@ const QHash<QString, QString> kColumns = {{"id", "emailID"},          {"attachme
                                           {"mailbox", "emailMailbox"}};
 
 struct ExportOptions {
-  QString format;
-  QString output;
+  exporting::ExportRequest request;
+  bool formatGiven = false;
   QString where;
   QString sortColumn;
   bool descending = false;
-  int firstId = 1;
-  bool withSources = true;
 };
 
 void readOption(CommandLine& line, const QString& option, ExportOptions& options) {
   if (option == QLatin1String("--format")) {
-    options.format = line.value(option);
-    if (!line.failed() && !kFormats.contains(options.format))
+    const QString name = line.value(option);
+    const std::optional<exporting::ExportFormat> format = exporting::exportFormatNamed(name);
+    options.formatGiven = format.has_value();
+    options.request.format = format.value_or(exporting::ExportFormat::Mbox);
+    if (!line.failed() && !format)
       line.fail(QStringLiteral("--format wants one of %1, not '%2'")
-                    .arg(kFormats.join(QLatin1Char('|')), options.format));
+                    .arg(exporting::exportFormatNames().join(QLatin1Char('|')), name));
   } else if (option == QLatin1String("--output")) {
-    options.output = line.value(option);
+    options.request.path = line.value(option);
   } else if (option == QLatin1String("--where")) {
     options.where = line.value(option);
   } else if (option == QLatin1String("--sort")) {
@@ -64,11 +56,11 @@ void readOption(CommandLine& line, const QString& option, ExportOptions& options
   } else if (option == QLatin1String("--first-id")) {
     const QString number = line.value(option);
     bool ok = false;
-    options.firstId = number.toInt(&ok);
+    options.request.firstId = number.toInt(&ok);
     if (!line.failed() && !ok)
       line.fail(QStringLiteral("--first-id wants a whole number, not '%1'").arg(number));
   } else if (option == QLatin1String("--no-source")) {
-    options.withSources = false;
+    options.request.origState = false;
   } else if (!line.takeArchive(option)) {
     line.fail(QStringLiteral("unknown option '%1' for export").arg(option));
   }
@@ -89,29 +81,6 @@ bool listMessages(archive::Archive& archive, search::ResultList& list, const QSt
   else if (options.descending)
     list.sortDescending = true;
   return true;
-}
-
-ExportOutcome exportList(ExportPorts& ports, const ExportOptions& options) {
-  QString exportPath;
-  const QString& out = options.output;
-  const int format = int(kFormats.indexOf(options.format));
-  switch (format) {
-    case 0:
-      return exporting::MboxExporter(ports, exportPath).writeMbox(out);
-    case 1:
-      return exporting::SqlDumpExporter(ports, exportPath)
-          .writeScript(out, options.firstId, options.withSources);
-    case 2:
-      return exporting::ArchiveExporter(ports, exportPath).writeArchive(out, options.withSources);
-    case 3:
-      return exporting::TabExporter(ports, exportPath).writeTab(out, options.withSources);
-    case 4:
-      return exporting::TextSaver(ports).saveAll(out);
-    case 5:
-      return exporting::TextSaver(ports).saveOrigAll(out);
-    default:
-      return exporting::TextSaver(ports).saveList(out);
-  }
 }
 
 }  // namespace
@@ -148,7 +117,7 @@ int ExportCommand::run(const QStringList& arguments) {
   QString option;
   while (line.next(option))
     readOption(line, option, options);
-  if (!line.failed() && (options.format.isEmpty() || options.output.isEmpty()))
+  if (!line.failed() && (!options.formatGiven || options.request.path.isEmpty()))
     line.fail(QStringLiteral("export needs --format and --output"));
   if (line.failed())
     return usageError(line.error());
@@ -165,12 +134,15 @@ int ExportCommand::run(const QStringList& arguments) {
     return kFailed;
   // The save of all text blocks does not look whether its file can be made, and the save of
   // raw sources ends without a word when it cannot: a script needs to know either way.
-  const bool folderExists = QFileInfo(QFileInfo(options.output).absolutePath()).isDir();
-  ExportPorts ports{archive, list, dialogs, progress};
-  const bool written = folderExists && exportList(ports, options) == ExportOutcome::Done &&
-                       QFile::exists(options.output);
+  const QString& output = options.request.path;
+  const bool folderExists = QFileInfo(QFileInfo(output).absolutePath()).isDir();
+  exporting::ExportPorts ports{archive, list, dialogs, progress};
+  const bool written =
+      folderExists &&
+      exporting::exportList(ports, options.request) == exporting::ExportOutcome::Done &&
+      QFile::exists(output);
   if (!written && dialogs.lastCriticalMessage().isEmpty())
-    print(stderr, QStringLiteral("Couldn't open %1\n").arg(options.output));
+    print(stderr, QStringLiteral("Couldn't open %1\n").arg(output));
   return written ? kOk : kFailed;
 }
 

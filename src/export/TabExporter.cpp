@@ -1,5 +1,7 @@
 #include "export/TabExporter.h"
 
+#include <algorithm>
+
 #include "archive/Archive.h"
 #include "archive/RowCallbacks.h"
 #include "export/ExportSession.h"
@@ -20,10 +22,18 @@ constexpr char kRowStatement[] =
 }  // namespace
 
 void TabExporter::cleanField(QString& field) {
-  // Tabs, then carriage returns, then line feeds; a CR LF pair so becomes two vertical tabs.
-  field.replace(QLatin1Char('\t'), QLatin1Char(' '));
-  field.replace(QLatin1Char('\r'), QLatin1Char('\v'));
-  field.replace(QLatin1Char('\n'), QLatin1Char('\v'));
+  // Tabs become blanks, carriage returns and line feeds vertical tabs (a CR LF pair two of
+  // them), as the three replacements in turn would do; one pass, and no copy of a field that
+  // has none of them.
+  const auto needsCleaning = [](QChar c) { return c == u'\t' || c == u'\r' || c == u'\n'; };
+  if (std::none_of(field.cbegin(), field.cend(), needsCleaning))
+    return;
+  for (QChar& c : field) {
+    if (c == u'\t')
+      c = u' ';
+    else if (c == u'\r' || c == u'\n')
+      c = u'\v';
+  }
 }
 
 int TabExporter::tabRowCallback(void* context, int columns, char** values, char** /*names*/) {

@@ -6,11 +6,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "ChosenMessages.h"
 #include "archive/Archive.h"
 #include "archive/Statements.h"
 #include "archive/TestFiles.h"
-#include "export/ExportPorts.h"
+#include "export/ExportFormat.h"
 #include "search/ResultList.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeProgress.h"
@@ -25,11 +24,11 @@ inline QList<QStringList> tableOf(const QString& file, const QString& sql) {
   if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK)
     sqlite3_exec(
         db, sql.toUtf8().constData(),
-        [](void* context, int columns, char** values, char**) {
+        [](void* rowList, int columns, char** values, char**) {
           QStringList row;
           for (int c = 0; c < columns; ++c)
-            row.append(values[c] ? QString::fromUtf8(values[c]) : QString());
-          static_cast<QList<QStringList>*>(context)->append(row);
+            row.append(QString::fromUtf8(values[c]));
+          static_cast<QList<QStringList>*>(rowList)->append(row);
           return 0;
         },
         &rows, nullptr);
@@ -37,10 +36,16 @@ inline QList<QStringList> tableOf(const QString& file, const QString& sql) {
   return rows;
 }
 
+inline QByteArray bytesOf(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 }  // namespace quillery::test
 
 namespace quillery::exporting {
 
+using test::bytesOf;
 using test::tableOf;
 
 // An archive file in a temporary folder with the result list over it, as a search leaves
@@ -52,52 +57,42 @@ class ExportFixture : public ::testing::Test {
     ASSERT_FALSE(archive.openFailed);
   }
 
-  // The chosen messages, all listed, message 7's email row then removed.
+  // The messages of chosen-messages.sql, all listed, message 7's email row then removed.
   void listChosenMessages() {
-    ASSERT_EQ(test::ChosenMessages::insert(archive), QString());
+    const QByteArray sql = bytesOf(QUILLERY_SOURCE_DIR "/tests/export/chosen-messages.sql");
+    ASSERT_TRUE(archive.exec(QString::fromUtf8(sql)).ok());
     retrieve();
-    ASSERT_EQ(list.listCount, test::ChosenMessages::kCount);
-    ASSERT_EQ(test::ChosenMessages::removeLastEmailRow(archive), QString());
+    ASSERT_TRUE(archive.exec("DELETE FROM email WHERE id=7").ok());
   }
   void retrieve(const QString& statement = archive::listAllStatement()) {
     archive.sqlText = statement;
     list.retrieve(dbPath);
     dialogs.alerts.clear();
-    progress.events.clear();
   }
-  // Shows the list reversed, as two clicks on the id column do.
-  void showDescending() {
-    list.clickColumn(QStringLiteral("emailID"));
-    list.clickColumn(QStringLiteral("emailID"));
+  // Exports the list into a file of that name in the test's folder.
+  ExportOutcome run(ExportFormat format, const QString& name, int firstId = 1000,
+                    bool origState = true) {
+    return exportList(ports, {format, outputPath(name), firstId, origState});
   }
-
   QString outputPath(const QString& name) const { return dir.filePath(name); }
-  static QByteArray bytesOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-  }
-  static QString expectedPath(const QString& name) {
-    return QStringLiteral(QUILLERY_SOURCE_DIR "/tests/export/expected/") + name;
-  }
-  static QByteArray expected(const QString& name) { return bytesOf(expectedPath(name)); }
+
   // Compares bytes with an expected file. With QUILLERY_WRITE_EXPECTED set in the
   // environment the file is written instead, after a deliberate change of a format, to be
   // read over line by line before it is committed.
   static ::testing::AssertionResult matchesExpected(const QString& name, const QByteArray& bytes) {
-    if (qEnvironmentVariableIsSet("QUILLERY_WRITE_EXPECTED")) {
-      test::writeFile(expectedPath(name), bytes);
+    const QString path = QStringLiteral(QUILLERY_SOURCE_DIR "/tests/export/expected/") + name;
+    if (qEnvironmentVariableIsSet("QUILLERY_WRITE_EXPECTED") && test::writeFile(path, bytes))
       return ::testing::AssertionSuccess();
-    }
-    const QByteArray wanted = expected(name);
-    if (bytes == wanted)
-      return ::testing::AssertionSuccess();
+    const QByteArray wanted = bytesOf(path);
     qsizetype at = 0;
     while (at < bytes.size() && at < wanted.size() && bytes[at] == wanted[at])
       ++at;
+    if (bytes == wanted)
+      return ::testing::AssertionSuccess();
     return ::testing::AssertionFailure()
-           << name.toStdString() << " differs from byte " << at << ": got \""
-           << bytes.mid(at, 80).toStdString() << "\", expected \""
-           << wanted.mid(at, 80).toStdString() << '"';
+           << name.toStdString() << " differs from byte " << at << ": \""
+           << bytes.mid(at, 80).toStdString() << "\" where \"" << wanted.mid(at, 80).toStdString()
+           << "\" was expected";
   }
   QByteArray archiveDigest() const {
     return QCryptographicHash::hash(bytesOf(dbPath), QCryptographicHash::Sha256);

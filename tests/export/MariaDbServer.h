@@ -11,32 +11,31 @@
 namespace quillery::test {
 
 // A MariaDB server of the test's own: a fresh data folder (in memory where /dev/shm is
-// there), a private socket, no networking, started by start() and stopped by stop() or at
-// destruction, whatever happened in between.
+// there), a private socket, no networking, text stored as utf8mb4 as Debian configures it.
+// start() starts it; stop(), or the destruction, stops it whatever happened in between.
 class MariaDbServer {
  public:
-  MariaDbServer() = default;
   ~MariaDbServer() { stop(); }
-  MariaDbServer(const MariaDbServer&) = delete;
-  MariaDbServer& operator=(const MariaDbServer&) = delete;
 
   // Why the server cannot run here (its programs are not installed), or "".
   static QString missingPrograms();
-
   // Makes the data folder and starts the server; "" or what went wrong.
   QString start();
   void stop();
 
-  // Runs a script through the mariadb client, with an --init-command when one is given.
+  // Loads a script through the mariadb client, with an --init-command when one is given.
   ProgramResult load(const QString& scriptPath, const QString& initCommand = {}) const;
-  // The rows of a query in a database, each column given to the server wrapped in HEX() by
-  // the caller and decoded here from UTF-8; NULL reads as "".
-  QList<QStringList> rows(const QString& database, const QString& sql) const;
   // Runs statements; "" or the client's error output.
   QString execute(const QString& sql) const;
+  // The rows of a query whose every column the caller has wrapped in HEX(), decoded here
+  // from UTF-8, so no client formatting touches them.
+  QList<QStringList> rows(const QString& database, const QString& sql) const;
+  // Every row of the four tables of an archive script's database, as "table|col|col|...",
+  // sorted.
+  QStringList tableRows(const QString& database) const;
 
  private:
-  QStringList clientArguments() const;
+  ProgramResult client(const QStringList& arguments, const QByteArray& input = {}) const;
 
   std::unique_ptr<QTemporaryDir> dir_;
   std::unique_ptr<QProcess> server_;

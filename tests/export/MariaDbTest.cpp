@@ -1,34 +1,28 @@
 // The SQL script loaded into a real MariaDB server that the test starts on a private socket
-// and reads back. Where the server reads a value differently from the archive, it does so
-// because of the script's own rules, kept as they stand:
+// and reads back. Where the server reads a value differently from the archive, the script's
+// own rules, kept as they stand, make it so:
 // - from, to, mailbox and mailto go out with their backslashes as they are, so the server
-//   reads a backslash there as the start of an escape: "\\" is one backslash, "\n" a line
-//   feed, "\t" a tab, and so on (the archive holds every backslash of the mail twice, so
-//   these fields come back as the mail had them);
-// - a body loses its list of attachments ("ATTACHMENTS:" and what follows), and a raw
-//   source its plist trailer;
-// - attachment data loses the white space at its ends, and data flagged base64 (without a
-//   quote or a backslash in it) is kept inside a small MIME wrapper;
-// - in the server's default (strict) mode, a value longer than its varchar(127) column and
-//   a character beyond the Basic Multilingual Plane (the script declares "utf8", which is
-//   MariaDB's three-byte form) stop the load; loaded as the README says, with sql_mode and
-//   old_mode emptied, the long value is cut to 127 characters and the four-byte character
-//   is kept.
+//   reads a backslash there as the start of an escape ("\\" is one backslash, "\n" a line
+//   feed); the archive holds every backslash of the mail twice, so these fields come back
+//   as the mail had them;
+// - a body loses its list of attachments ("ATTACHMENTS:" and what follows), a raw source
+//   its plist trailer, attachment data the white space at its ends; data flagged base64
+//   (without a quote or a backslash in it) is kept inside a small MIME wrapper;
+// - in the server's default (strict) mode a value longer than its varchar(127) column, or a
+//   character beyond the Basic Multilingual Plane (the script declares "utf8", MariaDB's
+//   three-byte form), stops the load; loaded as the README says, with sql_mode and old_mode
+//   emptied, the long value is cut to 127 characters and the four-byte character kept.
 #include "ExportFixture.h"
 #include "MariaDbServer.h"
 #include "StoredArchive.h"
 #include "export/MessageRows.h"
 #include "export/SqlDumpExporter.h"
-#include "text/LeadingInt.h"
 #include "text/PlistTrailer.h"
 
 namespace quillery::exporting {
 namespace {
 
-// How the README loads a script whose values do not fit the server's default mode.
-constexpr char kReadmeInitCommand[] = "SET SESSION sql_mode='', old_mode=''";
-
-// A string literal as the server reads it when backslashes are escapes.
+// A string literal as the server reads it where backslashes are escapes.
 QString readAsEscaped(const QString& text) {
   static const QHash<QChar, QChar> kEscapes = {{'0', QChar(0)}, {'b', '\b'}, {'n', '\n'},
                                                {'r', '\r'},     {'t', '\t'}, {'Z', QChar(26)}};
@@ -36,197 +30,139 @@ QString readAsEscaped(const QString& text) {
   for (qsizetype i = 0; i < text.size(); ++i) {
     if (text[i] != u'\\' || i + 1 == text.size()) {
       out += text[i];
-      continue;
+    } else {
+      const QChar next = text[++i];
+      out += (next == u'%' || next == u'_') ? QString('\\') + next : kEscapes.value(next, next);
     }
-    const QChar next = text[++i];
-    if (next == u'%' || next == u'_')
-      out += u'\\';
-    out += kEscapes.value(next, next);
   }
   return out;
-}
-
-// The first row that differs, shortened to the part around the first different character,
-// or "" when the lists are the same (a whole table would make an unreadable failure).
-QString firstDifference(const QStringList& got, const QStringList& want) {
-  for (qsizetype i = 0; i < std::max(got.size(), want.size()); ++i) {
-    const QString a = got.value(i, "(no row)");
-    const QString b = want.value(i, "(no row)");
-    if (a == b)
-      continue;
-    qsizetype at = 0;
-    while (at < a.size() && at < b.size() && a[at] == b[at])
-      ++at;
-    return a.left(40) + " ... got: " + a.mid(std::max<qsizetype>(0, at - 20), 60) +
-           " wanted: " + b.mid(std::max<qsizetype>(0, at - 20), 60);
-  }
-  return {};
-}
-
-bool hasFourByteCharacter(const QString& text) {
-  for (const QChar c : text)
-    if (c.isHighSurrogate())
-      return true;
-  return false;
 }
 
 class MariaDbTest : public ExportFixture {
  protected:
   static void SetUpTestSuite() {
-    if (!test::MariaDbServer::missingPrograms().isEmpty())
-      return;
-    server = new test::MariaDbServer;
-    startFailure = server->start();
+    if (test::MariaDbServer::missingPrograms().isEmpty())
+      startFailure = server.start();
   }
-  static void TearDownTestSuite() {
-    delete server;  // stops the server, also after failed tests
-    server = nullptr;
-  }
+  static void TearDownTestSuite() { server.stop(); }  // also after failed tests
   void SetUp() override {
-    const QString missing = test::MariaDbServer::missingPrograms();
-    if (!missing.isEmpty())
+    if (const QString missing = test::MariaDbServer::missingPrograms(); !missing.isEmpty())
       GTEST_SKIP() << missing.toStdString();
     ASSERT_EQ(startFailure, QString());
-    const QString failure = test::StoredArchive::copyTo(dbPath);
-    if (!failure.isEmpty())
+    if (const QString failure = test::StoredArchive::copyTo(dbPath); !failure.isEmpty())
       GTEST_SKIP() << failure.toStdString();
     ExportFixture::SetUp();
   }
-
-  QString exportScript(const QString& name, int firstId) {
-    const QString path = outputPath(name);
-    QString exportPath;
-    EXPECT_EQ(SqlDumpExporter(ports, exportPath).writeScript(path, firstId, true),
-              ExportOutcome::Done);
-    return path;
-  }
-
-  // The rows the server should hold for the listed messages, table by table, each row's
-  // columns joined by '|', under the new ids from firstId.
+  // The rows the server should hold for the list, numbered from firstId, each table's
+  // columns joined by '|', sorted.
   QStringList expectedRows(int firstId) const;
-  QStringList serverRows(const QString& database) const;
 
-  static inline test::MariaDbServer* server = nullptr;
+  static inline test::MariaDbServer server;
   static inline QString startFailure;
 };
 
 QStringList MariaDbTest::expectedRows(int firstId) const {
   QStringList out;
+  const auto rowsOf = [this](const char* sql, int id) {
+    return tableOf(dbPath, QString::fromLatin1(sql).arg(id));
+  };
   for (int i = 0; i < list.emailRows.size(); ++i) {
     const int id = list.rowAt(i).emailID();
-    const QString newId = QString::number(firstId + i);
-    QStringList email = tableOf(dbPath, QStringLiteral("SELECT from_fld,to_fld,subj_fld,date_fld,"
-                                                       "mailbox,mailto,body_fld,numAttach FROM "
-                                                       "email WHERE id=%1")
-                                            .arg(id))
+    const QString newId = QString::number(firstId + i) + '|';
+    QStringList email = rowsOf(
+                            "SELECT from_fld,to_fld,subj_fld,date_fld,mailbox,mailto,"
+                            "body_fld,numAttach FROM email WHERE id=%1",
+                            id)
                             .value(0);
     for (const int escaped : {0, 1, 4, 5})
       email[escaped] = readAsEscaped(email[escaped]);
     MessageRows::cutAttachmentList(email[6]);
-    out.append("email|" + newId + '|' + email.join('|'));
-    for (QStringList tags : tableOf(dbPath, QStringLiteral("SELECT cat_fld,key_fld,priority_fld,"
-                                                           "notes_fld FROM tags WHERE id=%1")
-                                                .arg(id))) {
-      if (tags.join("").isEmpty())
-        continue;
-      tags[2] = QString::number(text::leadingInt(tags[2]));
-      out.append("tags|" + newId + '|' + tags.join('|'));
-    }
-    for (QStringList source :
-         tableOf(dbPath, QStringLiteral("SELECT orig_fld FROM origemail WHERE id=%1").arg(id))) {
+    out.append("email|" + newId + email.join('|'));
+    for (const QStringList& tags : rowsOf("SELECT cat_fld,key_fld,priority_fld+0,notes_fld FROM "
+                                          "tags WHERE id=%1 AND cat_fld||key_fld||priority_fld||"
+                                          "notes_fld<>''",
+                                          id))
+      out.append("tags|" + newId + tags.join('|'));
+    for (QStringList source : rowsOf("SELECT orig_fld FROM origemail WHERE id=%1", id)) {
       text::PlistTrailer::stripPlist(source[0]);
-      out.append("origemail|" + newId + '|' + source[0]);
+      out.append("origemail|" + newId + source[0]);
     }
-    for (QStringList a : tableOf(dbPath, QStringLiteral("SELECT type_fld,encode_fld,filename_fld,"
-                                                        "attach_fld FROM attachments WHERE id=%1")
-                                             .arg(id))) {
-      a[3] = a[3].trimmed();
-      a[1] = QString::number(text::leadingInt(a[1]));
+    for (QStringList a : rowsOf("SELECT type_fld,encode_fld+0,filename_fld,trim(attach_fld,"
+                                "char(9,10,11,12,13,32)) FROM attachments WHERE id=%1",
+                                id)) {
       if (a[1] != "0" && !a[3].contains('\'') && !a[3].contains('\\'))
         a[3] = "MIME-Version: 1.0\nContent-Type: " + a[0] + "; name=\"" + a[2] +
                "\"\nContent-Transfer-Encoding: Base64\n\n" + a[3];
-      out.append("attachments|" + newId + '|' + a.join('|'));
+      out.append("attachments|" + newId + a.join('|'));
     }
   }
   out.sort();
   return out;
 }
 
-QStringList MariaDbTest::serverRows(const QString& database) const {
-  const QStringList queries = {
-      "SELECT 'email',id,from_fld,to_fld,subj_fld,date_fld,mailbox,mailto,body_fld,numAttach "
-      "FROM email",
-      "SELECT 'tags',id,cat_fld,key_fld,priority_fld,notes_fld FROM tags",
-      "SELECT 'origemail',id,orig_fld FROM origemail",
-      "SELECT 'attachments',id,type_fld,base64,filename_fld,attach_fld FROM attachments"};
-  QStringList out;
-  for (QString query : queries) {
-    // Every column travels as hex, so no client formatting touches it.
-    const QString columns = query.section(" FROM ", 0, 0).mid(7);
-    QStringList wrapped;
-    for (const QString& column : columns.split(','))
-      wrapped.append("HEX(CAST(" + column + " AS CHAR))");
-    query = "SELECT " + wrapped.join(',') + " FROM " + query.section(" FROM ", 1);
-    for (const QStringList& row : server->rows(database, query))
-      out.append(row.join('|'));
+// The first row that differs, shortened around its first different character; "" when the
+// lists are the same (a whole table would make an unreadable failure).
+QString firstDifference(const QStringList& got, const QStringList& wanted) {
+  for (qsizetype i = 0; i < std::max(got.size(), wanted.size()); ++i) {
+    const QString a = got.value(i, "(none)"), b = wanted.value(i, "(none)");
+    qsizetype at = 0;
+    while (at < a.size() && at < b.size() && a[at] == b[at])
+      ++at;
+    if (a != b)
+      return a.left(30) + "... has " + a.mid(at, 40) + " where " + b.mid(at, 40) + " is wanted";
   }
-  out.sort();
-  return out;
+  return {};
 }
 
-TEST_F(MariaDbTest, AScriptOfMessagesThatFitLoadsInTheDefaultModeAndReadsBackAsTheArchive) {
+TEST_F(MariaDbTest, TheScriptLoadsAndReadsBackAsTheArchiveHoldsIt) {
   retrieve();
-  // The messages whose values fit the tables' varchar(127) columns and MariaDB's utf8.
+  // The messages whose values fit the default mode: no text over 127 characters in a
+  // varchar column, no character beyond the Basic Multilingual Plane anywhere.
   QStringList fitting;
-  for (const search::Emailrow& row : list.emailRows) {
-    const QString id = QString::number(row.emailID());
-    const QStringList values =
-        tableOf(dbPath,
-                "SELECT from_fld,to_fld,subj_fld,mailbox,mailto,body_fld,ifnull((SELECT "
-                "max(max(length(type_fld),length(filename_fld))) FROM attachments a WHERE "
-                "a.id=e.id),0),ifnull((SELECT group_concat(attach_fld) FROM attachments a WHERE "
-                "a.id=e.id),''),ifnull((SELECT orig_fld FROM origemail o WHERE o.id=e.id),'') "
-                "FROM email e WHERE id=" +
-                    id)
-            .value(0);
-    bool fits = values[6].toInt() <= 127;
-    for (int i = 0; i < values.size(); ++i)
-      fits = fits && !hasFourByteCharacter(values[i]) && (i > 4 || values[i].size() <= 127);
-    if (fits)
+  const QString values = QStringLiteral(
+      "SELECT max(length(from_fld),length(to_fld),length(subj_fld),length(mailbox),"
+      "length(mailto),ifnull((SELECT max(max(length(type_fld),length(filename_fld))) FROM "
+      "attachments a WHERE a.id=e.id),0)),body_fld||ifnull((SELECT group_concat(attach_fld) FROM "
+      "attachments a WHERE a.id=e.id),'')||ifnull((SELECT orig_fld FROM origemail o WHERE "
+      "o.id=e.id),'')||from_fld||to_fld||subj_fld FROM email e WHERE id=%1");
+  for (const QString& id : std::as_const(archive.idList)) {
+    const QStringList v = tableOf(dbPath, values.arg(id)).value(0);
+    if (v[0].toInt() <= 127 &&
+        std::none_of(v[1].begin(), v[1].end(), [](QChar c) { return c.isHighSurrogate(); }))
       fitting.append(id);
   }
   ASSERT_GT(fitting.size(), 80);
-  retrieve(archive::listStatement(
-      QStringLiteral(" WHERE id IN (%1) ORDER BY id").arg(fitting.join(QLatin1Char(',')))));
-  // Descending, numbered from 1000: the numbers follow the order shown.
-  list.clickColumn("emailDate");
-  list.clickColumn("emailDate");
-  const test::ProgramResult loaded = server->load(exportScript("Fitting.sql", 1000));
+  retrieve(archive::listStatement(QStringLiteral(" WHERE id IN (%1)").arg(fitting.join(','))));
+  // Descending and numbered from 1000: the numbers follow the order shown.
+  list.sortDescending = true;
+  ASSERT_EQ(run(ExportFormat::Sql, "Fitting.sql", 1000), ExportOutcome::Done);
+  const test::ProgramResult loaded = server.load(outputPath("Fitting.sql"));
   ASSERT_EQ(loaded.exitCode, 0) << loaded.err.toStdString();
-  EXPECT_EQ(firstDifference(serverRows("Fitting"), expectedRows(1000)), QString());
-}
+  EXPECT_EQ(firstDifference(server.tableRows("Fitting"), expectedRows(1000)), QString());
 
-TEST_F(MariaDbTest, LongValuesAndFourByteCharactersLoadTheWayTheReadmeSays) {
+  // The whole archive: the default mode stops at the long values and the emoji; loaded as
+  // the README says, everything goes in.
   retrieve();
-  const QString script = exportScript("Everything.sql", 1);
-  const test::ProgramResult strict = server->load(script);
+  ASSERT_EQ(run(ExportFormat::Sql, "Everything.sql"), ExportOutcome::Done);
+  const test::ProgramResult strict = server.load(outputPath("Everything.sql"));
   EXPECT_NE(strict.exitCode, 0);
   EXPECT_TRUE(strict.err.contains("Data too long") || strict.err.contains("Incorrect string"))
       << strict.err.toStdString();
-
-  ASSERT_EQ(server->execute("DROP DATABASE Everything"), QString());
-  const test::ProgramResult relaxed = server->load(script, kReadmeInitCommand);
+  ASSERT_EQ(server.execute("DROP DATABASE Everything"), QString());
+  const test::ProgramResult relaxed =
+      server.load(outputPath("Everything.sql"), "SET SESSION sql_mode='', old_mode=''");
   ASSERT_EQ(relaxed.exitCode, 0) << relaxed.err.toStdString();
-  EXPECT_EQ(
-      server->rows("Everything", "SELECT HEX(CAST(COUNT(*) AS CHAR)) FROM email").value(0).value(0),
-      QString::number(list.listCount));
-  const QString longSubject =
-      tableOf(dbPath, "SELECT subj_fld FROM email WHERE subj_fld LIKE 'LLLL%'").value(0).value(0);
-  const QString emoji = QStringLiteral("Party 🎉 time");
-  EXPECT_EQ(server->rows("Everything",
-                         "SELECT HEX(subj_fld) FROM email WHERE subj_fld LIKE "
-                         "'LLLL%' OR subj_fld LIKE 'Party%' ORDER BY id"),
-            (QList<QStringList>{{longSubject.left(127)}, {emoji}}));
+  const QString longSubject = tableOf(dbPath,
+                                      "SELECT subj_fld FROM email WHERE subj_fld LIKE "
+                                      "'LLLL%'")
+                                  .value(0)
+                                  .value(0);
+  EXPECT_EQ(server.rows("Everything",
+                        "SELECT HEX(CAST(COUNT(*) AS CHAR)) FROM email UNION ALL "
+                        "SELECT HEX(subj_fld) FROM email WHERE subj_fld LIKE "
+                        "'LLLL%' OR subj_fld LIKE 'Party%' ORDER BY 1"),
+            (QList<QStringList>{
+                {QString::number(list.listCount)}, {longSubject.left(127)}, {"Party 🎉 time"}}));
 }
 
 }  // namespace
