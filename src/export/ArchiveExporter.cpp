@@ -37,11 +37,8 @@ void appendQuoted(QString& sql, QStringView text, bool escape = true) {
 }  // namespace
 
 ExportOutcome ArchiveExporter::exportDb(bool origState) {
-  platform::SavePanel panel;
-  panel.title = QStringLiteral("Save Exported Quillery Database File");
-  panel.prompt = QStringLiteral("Export");
-  const QString path = ports_.dialogs.runSavePanel(panel);
-  exportPath_ = path;
+  const QString path = ExportSession::chooseExportPath(
+      ports_.dialogs, QStringLiteral("Save Exported Quillery Database File"), {}, exportPath_);
   if (path.isEmpty())
     return ExportOutcome::Cancelled;
   return writeArchive(path, origState);

@@ -20,6 +20,18 @@ void reportOnStderr(const archive::ExecResult& result) {
 
 ExportSession::~ExportSession() = default;
 
+QString ExportSession::chooseExportPath(platform::Dialogs& dialogs, const QString& title,
+                                        const QString& requiredFileType, QString& exportPath,
+                                        const QString& nameFieldLabel) {
+  platform::SavePanel panel;
+  panel.title = title;
+  panel.prompt = QStringLiteral("Export");
+  panel.nameFieldLabel = nameFieldLabel;
+  panel.requiredFileType = requiredFileType;
+  exportPath = dialogs.runSavePanel(panel);
+  return exportPath;
+}
+
 bool ExportSession::refuseArchiveFile(const QString& path) {
   const QString archivePath = ports_.archive.filePath();
   if (archivePath.isEmpty() || path.isEmpty())

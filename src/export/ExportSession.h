@@ -13,6 +13,9 @@ struct ExecResult;
 namespace quillery::search {
 class Emailrow;
 }
+namespace quillery::platform {
+class Dialogs;
+}
 
 namespace quillery::exporting {
 
@@ -24,6 +27,13 @@ class ExportSession {
   ~ExportSession();
   ExportSession(const ExportSession&) = delete;
   ExportSession& operator=(const ExportSession&) = delete;
+
+  // Runs the save panel of a structured export (its title, the prompt "Export", folders may
+  // be made, and the file type it requires, if any) and keeps the chosen path in exportPath,
+  // which becomes "" when the user cancels. Returns that path.
+  static QString chooseExportPath(platform::Dialogs& dialogs, const QString& title,
+                                  const QString& requiredFileType, QString& exportPath,
+                                  const QString& nameFieldLabel = {});
 
   // Opens the output. A path that names the archive file open on the connection is refused
   // with a critical alert (emptying it would destroy the archive) and gives nothing; else

@@ -22,12 +22,9 @@ bool isTextType(const QString& type) {
 }  // namespace
 
 ExportOutcome MboxExporter::exportMbox() {
-  platform::SavePanel panel;
-  panel.title = QStringLiteral("Save Exported Mbox File");
-  panel.prompt = QStringLiteral("Export");
-  panel.requiredFileType = QStringLiteral("mbox");
-  const QString path = ports_.dialogs.runSavePanel(panel);
-  exportPath_ = path;
+  const QString path =
+      ExportSession::chooseExportPath(ports_.dialogs, QStringLiteral("Save Exported Mbox File"),
+                                      QStringLiteral("mbox"), exportPath_);
   if (path.isEmpty())
     return ExportOutcome::Cancelled;
   return writeMbox(path);

@@ -49,13 +49,9 @@ QString SqlDumpExporter::scriptHead(const QString& database) {
 }
 
 ExportOutcome SqlDumpExporter::exportSQL(const AskFirstId& askFirstId, bool origState) {
-  platform::SavePanel panel;
-  panel.title = QStringLiteral("Enter Database Name");
-  panel.nameFieldLabel = QStringLiteral("Database Name:");
-  panel.prompt = QStringLiteral("Export");
-  panel.requiredFileType = QStringLiteral("sql");
-  const QString path = ports_.dialogs.runSavePanel(panel);
-  exportPath_ = path;
+  const QString path = ExportSession::chooseExportPath(
+      ports_.dialogs, QStringLiteral("Enter Database Name"), QStringLiteral("sql"), exportPath_,
+      QStringLiteral("Database Name:"));
   if (path.isEmpty())
     return ExportOutcome::Cancelled;
   const std::optional<int> firstId = askFirstId();

@@ -50,11 +50,8 @@ int TabExporter::tabRowCallback(void* context, int columns, char** values, char*
 }
 
 ExportOutcome TabExporter::exportTab(bool origState) {
-  platform::SavePanel panel;
-  panel.title = QStringLiteral("Save Exported Tab-Delimited File");
-  panel.prompt = QStringLiteral("Export");
-  const QString path = ports_.dialogs.runSavePanel(panel);
-  exportPath_ = path;
+  const QString path = ExportSession::chooseExportPath(
+      ports_.dialogs, QStringLiteral("Save Exported Tab-Delimited File"), {}, exportPath_);
   if (path.isEmpty())
     return ExportOutcome::Cancelled;
   return writeTab(path, origState);

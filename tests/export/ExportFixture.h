@@ -17,25 +17,6 @@
 
 namespace quillery::test {
 
-// Every row of a query on a connection of the test's own, as a list of its columns.
-inline QList<QStringList> tableOf(const QString& file, const QString& sql) {
-  QList<QStringList> rows;
-  sqlite3* db = nullptr;
-  if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK)
-    sqlite3_exec(
-        db, sql.toUtf8().constData(),
-        [](void* rowList, int columns, char** values, char**) {
-          QStringList row;
-          for (int c = 0; c < columns; ++c)
-            row.append(QString::fromUtf8(values[c]));
-          static_cast<QList<QStringList>*>(rowList)->append(row);
-          return 0;
-        },
-        &rows, nullptr);
-  sqlite3_close(db);
-  return rows;
-}
-
 inline QByteArray bytesOf(const QString& path) {
   QFile file(path);
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
