@@ -13,6 +13,7 @@ packages=(
   clang clang-format libclang-rt-14-dev
   xvfb xauth x11-utils fonts-dejavu-core
   python3 poppler-utils
+  mariadb-server mariadb-client
 )
 
 missing=()

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <functional>
 
 namespace quillery::platform {
 class Dialogs;
@@ -67,9 +66,6 @@ struct AppContext {
   app::ProgressPanel& ProgressPanel;
   OrigWindow& origWindow;
   HtmlWindow& myHtmlWindow;
-
-  // Tells the user that the action of this name is not yet available in this version.
-  std::function<void(const char* action)> notYetAvailable;
 };
 
 }  // namespace quillery::app

@@ -7,7 +7,9 @@ class QPushButton;
 
 namespace quillery::app {
 
-// Asks for the database name that an SQL script export writes into its statements.
+// Asks for the number from which an SQL script export numbers the messages it writes, so
+// that the script can add to a database that already holds messages. Runs modally; the
+// controller's gotID and cancelID end it.
 class IdPanel : public QDialog {
   Q_OBJECT
 

@@ -50,8 +50,7 @@ class WindowFrames;
 // the window, a binding that carries that area's user actions. Every user action is a slot of
 // the action's name; a slot that belongs to an area is one line that calls the binding.
 // Menu items reach the slots through a table of member pointers (actionSlots), so an item
-// without an action cannot be built; an action of a later version answers that it is not yet
-// available.
+// cannot name an action that does not exist.
 class QuilleryController : public QObject {
   Q_OBJECT
 
@@ -198,7 +197,6 @@ class QuilleryController : public QObject {
   void applyListFont();
   void addCategoriesToPopUps();
   void orderFront(const QString& windowName);
-  void notYetAvailable(const QString& title);
   QWidget* windowNamed(const QString& name) const;
 
   AppPorts ports_;

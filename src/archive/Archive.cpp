@@ -64,6 +64,13 @@ ExecResult Archive::exec(const QString& sql, int (*callback)(void*, int, char**,
   return result;
 }
 
+QString Archive::filePath() const {
+  if (archiveConnection == nullptr)
+    return {};
+  const char* path = sqlite3_db_filename(archiveConnection, "main");
+  return path ? QString::fromUtf8(path) : QString();
+}
+
 long long Archive::lastInsertRowId() const {
   return archiveConnection ? sqlite3_last_insert_rowid(archiveConnection) : 0;
 }

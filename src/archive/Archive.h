@@ -88,6 +88,9 @@ class Archive : public IdListState {
   // Closes the connection and empties the slot; does nothing when no connection is open.
   void close();
   bool isOpen() const { return archiveConnection != nullptr; }
+  // The absolute path of the file open on the connection; empty when none is open (or the
+  // database lives in memory).
+  QString filePath() const;
 
   // Runs a statement with an optional row callback and its context.
   ExecResult exec(const QString& sql, int (*callback)(void*, int, char**, char**) = nullptr,

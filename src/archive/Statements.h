@@ -58,4 +58,8 @@ inline constexpr char kPrintTextStatement[] =
     "SELECT id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' ELSE mailbox "
     "END),body_fld FROM email WHERE id=%1";
 
+// One message's tags row in the order tagRecordCallback reads them; "%1" is the id.
+inline constexpr char kTagRecordStatement[] =
+    "SELECT cat_fld,key_fld,priority_fld,notes_fld FROM tags WHERE id=%1";
+
 }  // namespace quillery::archive

@@ -3,6 +3,7 @@
 #include "cli/CompactCommand.h"
 #include "cli/ConvertCommand.h"
 #include "cli/DeleteCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/ListCommand.h"
 #include "cli/MergeCommand.h"
 #include "cli/RestoreCommand.h"
@@ -26,6 +27,7 @@ const std::vector<CliCommand>& cliCommands() {
       {"compact", &CompactCommand::synopsis, &CompactCommand::help, &CompactCommand::run},
       {"convert", &ConvertCommand::synopsis, &ConvertCommand::help, &ConvertCommand::run},
       {"merge", &MergeCommand::synopsis, &MergeCommand::help, &MergeCommand::run},
+      {"export", &ExportCommand::synopsis, &ExportCommand::help, &ExportCommand::run},
   };
   return kCommands;
 }

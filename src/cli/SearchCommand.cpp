@@ -4,9 +4,6 @@
 #include "cli/CommandLine.h"
 #include "cli/Console.h"
 #include "cli/SearchOptions.h"
-#include "search/EmailSearch.h"
-#include "search/SearchQueryBuilder.h"
-#include "search/SqlQuery.h"
 
 namespace quillery::cli {
 
@@ -43,20 +40,12 @@ int SearchCommand::run(const QStringList& arguments) {
     return usageError(line.error());
 
   ArchiveSession session;
-  const QString path = line.archivePath();
-  search::SearchQueryBuilder builder(session.archive, session.dialogs, session.progress);
-  search::EmailSearch search(session.archive, builder, session.list, session.progress);
-  if (options.whereGiven) {
-    search::SqlQuery sql(session.archive, builder, search, session.list, session.dialogs);
-    session.list.onlyAttachCheck = options.form.onlyAttachCheck;
-    if (!sql.editSqlString(options.form, path) || !sql.makeSQLString(options.where, path))
-      return kFailed;
-  } else if (!search.retrieveEmails(options.form, path)) {
+  QString viewSql;
+  if (!options.listMessages(session, line.archivePath(), &viewSql))
     return kFailed;
-  }
   if (showSql) {
-    if (!builder.searchViewSQL.isEmpty())
-      print(stdout, builder.searchViewSQL + QLatin1Char('\n'));
+    if (!viewSql.isEmpty())
+      print(stdout, viewSql + QLatin1Char('\n'));
     print(stdout, session.archive.sqlText + QLatin1Char('\n'));
   }
   if (session.failed())

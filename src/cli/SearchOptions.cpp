@@ -2,8 +2,12 @@
 
 #include <QRegularExpression>
 
+#include "cli/ArchiveSession.h"
 #include "cli/CommandLine.h"
+#include "search/EmailSearch.h"
 #include "search/Priorities.h"
+#include "search/SearchQueryBuilder.h"
+#include "search/SqlQuery.h"
 
 namespace quillery::cli {
 namespace {
@@ -115,6 +119,23 @@ QString SearchOptions::help() {
       "                        The connectors of the tag fields (default AND).\n"
       "  --where TEXT          The SQL panel's WHERE part: replaces the condition that\n"
       "                        the other options make, as typed.\n");
+}
+
+bool SearchOptions::listMessages(ArchiveSession& session, const QString& path,
+                                 QString* viewSql) const {
+  search::SearchQueryBuilder builder(session.archive, session.dialogs, session.progress);
+  search::EmailSearch search(session.archive, builder, session.list, session.progress);
+  bool listed = false;
+  if (whereGiven) {
+    search::SqlQuery sql(session.archive, builder, search, session.list, session.dialogs);
+    session.list.onlyAttachCheck = form.onlyAttachCheck;
+    listed = sql.editSqlString(form, path) && sql.makeSQLString(where, path);
+  } else {
+    listed = search.retrieveEmails(form, path);
+  }
+  if (viewSql != nullptr)
+    *viewSql = builder.searchViewSQL;
+  return listed;
 }
 
 }  // namespace quillery::cli

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+class QPrinter;
+
 namespace quillery::platform {
 
 enum class AlertStyle { Informational, Critical };
@@ -16,12 +18,25 @@ struct Alert {
   QStringList buttons;
 };
 
-// What a save panel offers. An empty directory or file name means no preset.
+// What a save panel offers. An empty directory, file name, prompt or label means no preset.
+// With a required file type the chosen name always ends in "." and that type: the panel
+// appends it to a name that does not (so "Mail.sql.old" becomes "Mail.sql.old.sql").
 struct SavePanel {
   QString title;
   QString directory;
   QString fileName;
   bool canCreateDirectories = true;
+  QString prompt;            // the text of the confirming button
+  QString nameFieldLabel;    // the label before the name field
+  QString requiredFileType;  // without the dot; empty: the name is used as typed
+
+  // The path with the required file type appended where it is missing.
+  QString withRequiredFileType(const QString& path) const {
+    if (requiredFileType.isEmpty() || path.isEmpty())
+      return path;
+    const QString suffix = QLatin1Char('.') + requiredFileType;
+    return path.endsWith(suffix) ? path : path + suffix;
+  }
 };
 
 // What an open panel offers.
@@ -44,6 +59,9 @@ class Dialogs {
   virtual QString runSavePanel(const SavePanel& panel) = 0;
   // Returns the chosen paths, or an empty list when the user cancelled.
   virtual QStringList runOpenPanel(const OpenPanel& panel) = 0;
+  // Lets the user set up the printer (which printer, or a PDF file, pages, copies); false when
+  // the user cancelled, and always where there is no print panel (a console).
+  virtual bool runPrintPanel(QPrinter& /*printer*/) { return false; }
 
   // A critical alert with a single "OK", the form of every alert that ends an action.
   void critical(const QString& title, const QString& message) {

@@ -144,8 +144,11 @@ void AttachmentOpener::offerLaunchOrSave(const QString& path, const QString& fil
 }
 
 void AttachmentOpener::saveAttachment(const QString& path, const QString& fileName) {
-  const QString chosen = dialogs_.runSavePanel(
-      {QStringLiteral("Save Attachment"), homeDir_ + QStringLiteral("/Desktop"), fileName, true});
+  platform::SavePanel panel;
+  panel.title = QStringLiteral("Save Attachment");
+  panel.directory = homeDir_ + QStringLiteral("/Desktop");
+  panel.fileName = fileName;
+  const QString chosen = dialogs_.runSavePanel(panel);
   if (chosen.isEmpty())
     return;
   if (files_.exists(path)) {

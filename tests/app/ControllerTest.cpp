@@ -64,12 +64,9 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
   EXPECT_TRUE(app.prefPanel->isVisible());
 }
 
-// The actions that this version does not have yet; each says so when chosen, and no other does.
-const char kNotYetAvailable[] =
-    "exportMbox exportSQL exportDb exportTab saveSelected saveAll saveList "
-    "saveOrigSelected saveOrigAll printSelected printAll";
-
-TEST_F(ControllerTest, EveryMenuItemReachesAnActionOrSaysItIsNotYetAvailable) {
+TEST_F(ControllerTest, EveryMenuItemReachesAnActionAndNoneChangesTheArchiveWhenCancelled) {
+  makeArchive(defaultDbPath(),
+              {{"2021-05-01 08:00:00", "one", "Work"}, {"2021-05-02 08:00:00", "two"}});
   QuilleryController& app = start();
   // Every item is an action of the table, a window to bring forward or an edit command.
   const QStringList edits{"undo", "redo", "cut", "copy", "paste", "selectAll"};
@@ -78,25 +75,30 @@ TEST_F(ControllerTest, EveryMenuItemReachesAnActionOrSaysItIsNotYetAvailable) {
                        it.key().startsWith(QLatin1String("window:")) || edits.contains(it.key());
     EXPECT_TRUE(known) << it.key().toStdString();
   }
-  // Chosen one by one with every question answered "Cancel" and every panel cancelled.
+  // With the archive listed and a message selected, every item is chosen in turn with every
+  // question answered "Cancel" and every panel cancelled: nothing of the archive changes.
+  const auto rows = [this] {
+    return test::rowsOf(defaultDbPath(),
+                        "SELECT (SELECT count(*) FROM email),(SELECT count(*) FROM tags)");
+  };
+  const QStringList before = rows();
+  app.browseDatabase();
+  app.storePanel->storeTableView->selectRow(0);
   dialogs.defaultAnswer = 1;
-  QStringList unavailable;
   for (auto it = app.menuActions.cbegin(); it != app.menuActions.cend(); ++it) {
-    dialogs.alerts.clear();
-    it.value()->trigger();
-    for (const platform::Alert& alert : dialogs.alerts) {
-      if (alert.title == QLatin1String("Not Yet Available")) {
-        EXPECT_EQ(alert.style, platform::AlertStyle::Informational);
-        EXPECT_TRUE(alert.message.contains(it.value()->text().remove(QChar(0x2026))))
-            << alert.message.toStdString();
-        unavailable.append(it.key());
-      }
-    }
+    if (it.key() != QLatin1String("deleteFromList"))
+      it.value()->trigger();
   }
-  unavailable.sort();
-  QStringList expected = QString::fromLatin1(kNotYetAvailable).split(' ', Qt::SkipEmptyParts);
-  expected.sort();
-  EXPECT_EQ(unavailable, expected);
+  EXPECT_EQ(rows(), before);
+  // The only critical alerts are those that tell why there is nothing to do: the list save
+  // without a file, the conversion of a current archive and the restore without a backup.
+  QStringList critical;
+  for (const platform::Alert& alert : dialogs.alerts) {
+    if (alert.style == platform::AlertStyle::Critical)
+      critical.append(alert.message.section(QLatin1Char(' '), 0, 2));
+  }
+  critical.sort();
+  EXPECT_EQ(critical, (QStringList{"Couldn't open ", "Go to Backup", "the database file"}));
 }
 
 TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {

@@ -28,23 +28,31 @@ inline QString readFile(const QString& path) {
 // would, so that a test sees what the file holds rather than what a connection of the
 // application keeps.
 
-// Every row of the query, its columns joined by '|' (NULL as ""); the rows read before a
+// Every row of the query as the list of its columns (NULL as ""); the rows read before a
 // failure, so none when the file can't be opened or the query is wrong.
-inline QStringList rowsOf(const QString& file, const QString& sql) {
-  QStringList rows;
+inline QList<QStringList> tableOf(const QString& file, const QString& sql) {
+  QList<QStringList> rows;
   sqlite3* db = nullptr;
   if (sqlite3_open_v2(file.toUtf8().constData(), &db, SQLITE_OPEN_READONLY, nullptr) == SQLITE_OK)
     sqlite3_exec(
         db, sql.toUtf8().constData(),
-        [](void* context, int columns, char** values, char**) {
+        [](void* rowList, int columns, char** values, char**) {
           QStringList row;
           for (int c = 0; c < columns; ++c)
-            row.append(values[c] ? QString::fromUtf8(values[c]) : QString());
-          static_cast<QStringList*>(context)->append(row.join(QLatin1Char('|')));
+            row.append(QString::fromUtf8(values[c]));
+          static_cast<QList<QStringList>*>(rowList)->append(row);
           return 0;
         },
         &rows, nullptr);
   sqlite3_close(db);
+  return rows;
+}
+
+// Every row of the query, its columns joined by '|'.
+inline QStringList rowsOf(const QString& file, const QString& sql) {
+  QStringList rows;
+  for (const QStringList& row : tableOf(file, sql))
+    rows.append(row.join(QLatin1Char('|')));
   return rows;
 }
 

@@ -34,6 +34,11 @@ class FakeDialogs : public platform::Dialogs {
     openPanels.append(panel);
     return openNames_.isEmpty() ? QStringList() : openNames_.dequeue();
   }
+  // Cancelled unless the test sets up the printer (to print into a PDF file, say).
+  bool runPrintPanel(QPrinter& printer) override {
+    ++printPanels;
+    return printPanel ? printPanel(printer) : false;
+  }
 
   // The messages of all alerts shown, in order, for compact assertions.
   QStringList messages() const {
@@ -44,6 +49,8 @@ class FakeDialogs : public platform::Dialogs {
   }
 
   std::function<void(const platform::Alert&)> whileShown;
+  std::function<bool(QPrinter&)> printPanel;
+  int printPanels = 0;
   int defaultAnswer = 0;
   QList<platform::Alert> alerts;
   QList<platform::SavePanel> savePanels;

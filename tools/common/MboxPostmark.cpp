@@ -131,8 +131,13 @@ std::optional<std::time_t> MboxPostmark::date(std::string_view line) {
       const long hhmm = ascii::number(token.substr(1));
       zoneSeconds = (hhmm / 100 * 3600 + hhmm % 100 * 60) * (token[0] == '-' ? -1 : 1);
     } else if (!isWeekday(token) && !isZoneName(token) && !isComment(token)) {
-      // Body text that merely starts with "From " has words a postmark date never has.
-      return std::nullopt;
+      // A word no date has: what came so far belongs to the sender, which may be a name of
+      // several words ("From Ann Smith <ann@b>  Mon Jan  8 ..."). The date must follow it
+      // whole, so body text that merely starts with "From " still has no date.
+      month = -1;
+      day = year = 0;
+      haveTime = false;
+      zoneSeconds = 0;
     }
   }
   if (month < 0 || day < 1 || day > 31 || year < 1900 || !haveTime) {

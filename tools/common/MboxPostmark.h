@@ -8,7 +8,8 @@ namespace quillery::tools {
 
 // The "From " line that starts each message of an mbox file (the postmark). A line that
 // begins with "From " after a blank line is a postmark only when the rest of it looks like
-// one: a sender and a date ("From a@b  Sun Jan  2 11:02:19 2022", Gmail's
+// one: a sender, of one word or several, and a date ("From a@b  Sun Jan  2 11:02:19 2022",
+// "From Ann Smith <ann@b>  Sun Jan  2 11:02:19 2022" as exports write them, Gmail's
 // "From 1234@xxx Wed Jan 01 10:00:00 +0000 2020"), or a single word ("From -",
 // "From MAILER-DAEMON") followed by a header line. So body text such as "From Russia with
 // love" stays in its message even when the next line happens to read like a header. Some

@@ -26,9 +26,11 @@ bool Backup::backupDB(const QString& dbPath, QString& backupPath,
     proposedName += QLatin1String(".bak");
     backupPath += QLatin1String(".bak");
   }
-  const QString chosen =
-      dialogs_.runSavePanel({QStringLiteral("Back Up Database"),
-                             QFileInfo(backupPath).absolutePath(), proposedName, true});
+  platform::SavePanel panel;
+  panel.title = QStringLiteral("Back Up Database");
+  panel.directory = QFileInfo(backupPath).absolutePath();
+  panel.fileName = proposedName;
+  const QString chosen = dialogs_.runSavePanel(panel);
   if (chosen.isEmpty())
     return false;
   backupPath = chosen;

@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPrintDialog>
 #include <QPushButton>
 
 namespace quillery::platform {
@@ -43,9 +44,13 @@ QString QtDialogs::runSavePanel(const SavePanel& panel) {
     dialog.selectFile(panel.fileName);
   if (!panel.canCreateDirectories)
     dialog.setOption(QFileDialog::ReadOnly, true);
+  if (!panel.prompt.isEmpty())
+    dialog.setLabelText(QFileDialog::Accept, panel.prompt);
+  if (!panel.nameFieldLabel.isEmpty())
+    dialog.setLabelText(QFileDialog::FileName, panel.nameFieldLabel);
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
     return {};
-  return dialog.selectedFiles().constFirst();
+  return panel.withRequiredFileType(dialog.selectedFiles().constFirst());
 }
 
 QStringList QtDialogs::runOpenPanel(const OpenPanel& panel) {
@@ -59,6 +64,11 @@ QStringList QtDialogs::runOpenPanel(const OpenPanel& panel) {
   if (dialog.exec() != QDialog::Accepted)
     return {};
   return dialog.selectedFiles();
+}
+
+bool QtDialogs::runPrintPanel(QPrinter& printer) {
+  QPrintDialog dialog(&printer, parent_);
+  return dialog.exec() == QDialog::Accepted;
 }
 
 }  // namespace quillery::platform

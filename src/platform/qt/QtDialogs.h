@@ -6,7 +6,8 @@ class QWidget;
 
 namespace quillery::platform {
 
-// Alerts as QMessageBox, panels as QFileDialog, all modal to the given parent window.
+// Alerts as QMessageBox, panels as QFileDialog, the print panel as QPrintDialog, all modal
+// to the given parent window.
 class QtDialogs : public Dialogs {
  public:
   explicit QtDialogs(QWidget* parent = nullptr) : parent_(parent) {}
@@ -15,6 +16,7 @@ class QtDialogs : public Dialogs {
   int showAlert(const Alert& alert) override;
   QString runSavePanel(const SavePanel& panel) override;
   QStringList runOpenPanel(const OpenPanel& panel) override;
+  bool runPrintPanel(QPrinter& printer) override;
 
  private:
   QWidget* parent_;

@@ -84,12 +84,14 @@ TEST_F(MboxReaderTest, PostmarksContentLengthsAndFilesThatAreNoMbox) {
            "From - Mon Jun  3 12:50:27 1996\nSubject: three\n\nbody three\n\n"
            "From 1234567890123456789@xxx Wed Jan 01 10:00:00 +0000 2020\n"
            "X-GM-THRID: 1\nSubject: four\n\nbody four\n\n"
-           "From b@example.com Tue Mar  5 10:00:00 2019 -0800 (PST)\nSubject: five\n\nbody five\n",
-       // Netscape's bare "From - " has no date; the last one is 10:00 at -0800.
+           "From b@example.com Tue Mar  5 10:00:00 2019 -0800 (PST)\nSubject: five\n\nbody five\n"
+           "\nFrom Ann O'Hara <ann@example.com>  Mon Jan 08 14:03:09 2007\nSubject: six\n\nsix\n",
+       // Netscape's bare "From - " has no date; the fifth is 10:00 at -0800; the sixth
+       // sender is a name of several words, as exports write it.
        {"1609585339 " + one, "- Subject: two\n\nbody two\n",
         "833806227 Subject: three\n\nbody three\n",
         "1577872800 X-GM-THRID: 1\nSubject: four\n\nbody four\n",
-        "1551808800 Subject: five\n\nbody five\n"}},
+        "1551808800 Subject: five\n\nbody five\n", "1168264989 Subject: six\n\nsix\n"}},
       {"content lengths",
        "From a@b Mon Jan  1 10:00:00 2018\n" + counted + "\nFrom a@b Mon Jan  1 10:00:00 2018\n" +
            countedShort +
