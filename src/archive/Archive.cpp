@@ -45,6 +45,7 @@ Archive::~Archive() {
 void Archive::close() {
   if (archiveConnection == nullptr)
     return;
+  searchIndex_.detach();
   sqlite3_close(archiveConnection);
   archiveConnection = nullptr;
 }
@@ -94,7 +95,10 @@ OpenStatus Archive::openArchive(const QString& dbPath) {
     return status;
   if (!hasCurrentFormat())
     return {OpenStatus::Outcome::OldFormat, 0, {}};
-  return createMissingTables();
+  status = createMissingTables();
+  if (status.ok())
+    searchIndex_.attach();
+  return status;
 }
 
 OpenStatus Archive::openFile(const QString& dbPath) {
