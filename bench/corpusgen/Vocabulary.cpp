@@ -25,16 +25,22 @@ constexpr const char* kCommon[] = {
     "library", "science",  "history", "café",     "naïve",   "Grüße",    "déjà",    "señor",
     "Zürich",  "Ångström", "smörgås"};
 
-// Mostly single letters, so that words share their letter triples as English words do.
+// The parts of a syllable, the most frequent first: frequent words are made mostly of the
+// first ones, rare words of any, so that rare words hold letter groups that few others have,
+// as in a real language.
 constexpr const char* kOnsets[] = {
-    "",   "",   "",   "",   "b",  "c",  "d",  "f",  "g",  "h",  "j",  "k",  "l",  "m",  "n",  "p",
-    "r",  "s",  "t",  "v",  "w",  "b",  "d",  "l",  "m",  "n",  "r",  "s",  "t",  "bl", "br", "ch",
-    "cr", "dr", "fl", "gr", "pl", "pr", "sh", "sp", "st", "th", "tr", "wh", "qu", "y",  "z",  "x"};
-constexpr const char* kVowels[] = {"a", "e", "i", "o",  "u",  "a",  "e",  "i",  "o",
-                                   "e", "a", "y", "ea", "ee", "ie", "oo", "ou", "ai"};
-constexpr const char* kCodas[] = {"",   "",   "",   "",   "",   "",   "",   "",   "n", "r",
-                                  "s",  "t",  "l",  "d",  "m",  "n",  "r",  "s",  "t", "ck",
-                                  "ll", "nd", "ng", "nt", "rd", "rt", "st", "th", "x", "ss"};
+    "",   "t",  "s",  "r",  "n",   "l",   "d",   "m",  "c",  "p",  "b",  "h",   "f",  "g",  "w",
+    "st", "th", "tr", "pr", "br",  "ch",  "sh",  "cr", "gr", "fr", "pl", "bl",  "cl", "dr", "sp",
+    "sl", "k",  "v",  "wh", "j",   "sc",  "sw",  "gl", "fl", "sm", "sn", "str", "qu", "y",  "ph",
+    "kn", "wr", "z",  "x",  "spl", "scr", "thr", "zh", "kh", "gn", "ps", "tz",  "vl", "zv", "dj"};
+constexpr const char* kVowels[] = {"e",  "a",  "o",  "i",  "u",  "ea", "ou", "y",
+                                   "ee", "ai", "oo", "ie", "io", "au", "oa", "ei",
+                                   "ue", "oi", "eu", "ae", "uo", "aa", "yi"};
+constexpr const char* kCodas[] = {
+    "",   "",   "n",  "r",  "s",   "t",   "l",   "d",  "st", "nd", "m",  "ng", "nt", "rt",
+    "ck", "ll", "ss", "th", "rd",  "ct",  "ft",  "ld", "lt", "mp", "nk", "sk", "pt", "x",
+    "rn", "rm", "rk", "sh", "ch",  "tch", "dge", "gh", "lf", "lm", "mb", "ps", "xt", "zz",
+    "rb", "rv", "wn", "lk", "nch", "rst", "ght", "tz", "ks", "q",  "zk"};
 constexpr const char* kNameEnds[] = {"son", "sen",  "mann", "ová", "ić",  "ez",   "ini",
                                      "ski", "berg", "ton",  "ley", "ard", "elli", "quist"};
 // Accented stand-ins for the five vowels, UTF-8.
@@ -71,24 +77,63 @@ class Source {
   const char* pick(const char* const (&items)[N]) {
     return items[below(N)];
   }
+  // An item drawn towards the front of the list: index N * u^skew for a uniform u, computed
+  // in integers (u^skew as u^whole times a linear share of the next power).
+  template <std::size_t N>
+  const char* pickSkewed(const char* const (&items)[N], unsigned skewTenths) {
+    constexpr std::uint64_t kOne = 1u << 16;
+    const std::uint64_t u = next() % kOne;
+    std::uint64_t power = kOne;
+    for (unsigned i = 0; i < skewTenths / 10; ++i)
+      power = power * u / kOne;
+    const std::uint64_t fraction = skewTenths % 10;
+    power = (power * (10 - fraction) + power * u / kOne * fraction) / 10;
+    return items[std::min<std::size_t>(N - 1, std::size_t(power * N / kOne))];
+  }
 
  private:
   std::uint64_t state_ = 0x51ED2701A11CE5ull;
 };
 
-std::string syllables(Source& source, std::size_t count) {
+// How strongly a word of this rank keeps to the frequent syllable parts, in tenths: 4 for the
+// most frequent words, falling towards 1 (any part alike) for the rarest.
+unsigned skewFor(std::size_t rank) {
+  unsigned digits = 0;
+  for (std::size_t r = rank; r >= 10; r /= 10)
+    ++digits;
+  return digits >= 5 ? 10 : 40 - 6 * digits;
+}
+
+// A rare part: one from the last third of the list.
+template <std::size_t N>
+const char* rarePart(Source& source, const char* const (&items)[N]) {
+  return items[N - 1 - source.below(N / 3)];
+}
+
+std::string syllables(Source& source, std::size_t count, unsigned skew) {
   std::string word;
+  // Words past the few thousand most frequent hold at least one rare part, as rare words of a
+  // real language hold letter groups that few other words have.
+  const std::size_t rare = skew <= 16 ? source.below(count * 2) : count * 2;
   for (std::size_t i = 0; i < count; ++i) {
-    word += source.pick(kOnsets);
-    word += source.pick(kVowels);
-    word += source.pick(kCodas);
+    word += i * 2 == rare ? rarePart(source, kOnsets) : source.pickSkewed(kOnsets, skew);
+    word += source.pickSkewed(kVowels, skew);
+    word += i * 2 + 1 == rare ? rarePart(source, kCodas) : source.pickSkewed(kCodas, skew);
   }
   return word;
 }
 
-std::string plainWord(Source& source) {
+// Frequent words are short, rare ones long, as in a real language (skew falls with rank).
+std::string plainWord(Source& source, unsigned skew) {
   const std::size_t roll = source.below(100);
-  return syllables(source, roll < 20 ? 1 : roll < 65 ? 2 : roll < 92 ? 3 : 4);
+  std::size_t count = 0;
+  if (skew >= 28)
+    count = roll < 70 ? 1 : 2;
+  else if (skew >= 22)
+    count = roll < 30 ? 1 : roll < 85 ? 2 : 3;
+  else
+    count = roll < 40 ? 2 : roll < 80 ? 3 : 4;
+  return syllables(source, count, skew);
 }
 
 std::string capitalised(std::string word) {
@@ -97,8 +142,8 @@ std::string capitalised(std::string word) {
   return word;
 }
 
-std::string nameWord(Source& source) {
-  std::string name = capitalised(syllables(source, 1 + source.below(2)));
+std::string nameWord(Source& source, unsigned skew) {
+  std::string name = capitalised(syllables(source, 1 + source.below(2), skew));
   if (source.below(2) == 0)
     name += source.pick(kNameEnds);
   return name;
@@ -121,9 +166,9 @@ std::string numberWord(Source& source) {
   }
 }
 
-std::string accentedWord(Source& source) {
+std::string accentedWord(Source& source, unsigned skew) {
   std::string word;
-  for (const char c : plainWord(source)) {
+  for (const char c : plainWord(source, skew)) {
     const char* vowels = "aeiou";
     const char* at = std::char_traits<char>::find(vowels, 5, c);
     if (at != nullptr && source.below(3) == 0)
@@ -143,17 +188,18 @@ std::string foreignScriptWord(Source& source) {
   return word;
 }
 
-std::string generatedWord(Source& source) {
+std::string generatedWord(Source& source, std::size_t rank) {
+  const unsigned skew = skewFor(rank);
   const std::size_t kind = source.below(100);
   if (kind < 8)
-    return nameWord(source);
+    return nameWord(source, skew);
   if (kind < 14)
     return numberWord(source);
   if (kind < 19)
-    return accentedWord(source);
+    return accentedWord(source, skew);
   if (kind < 20)
     return foreignScriptWord(source);
-  return plainWord(source);
+  return plainWord(source, skew);
 }
 
 // Running sums of floor(2^44 / rank): Zipf's law in integers.
@@ -187,7 +233,7 @@ Vocabulary::Vocabulary() {
     seen.insert(word);
   }
   while (words_.size() < std::size(kCommon) + kGeneratedWords) {
-    std::string word = generatedWord(source);
+    std::string word = generatedWord(source, words_.size() + 1);
     if (word.size() > 1 && seen.insert(word).second)
       words_.push_back(std::move(word));
   }
@@ -195,7 +241,7 @@ Vocabulary::Vocabulary() {
   firstNames_.assign(std::begin(kFirstNames), std::end(kFirstNames));
   firstNameCumulative_ = zipfSums(firstNames_.size());
   while (familyNames_.size() < 5000) {
-    std::string name = nameWord(source);
+    std::string name = nameWord(source, 20);
     if (seen.insert(name).second)
       familyNames_.push_back(std::move(name));
   }

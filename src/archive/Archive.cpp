@@ -55,7 +55,9 @@ ExecResult Archive::exec(const QString& sql, int (*callback)(void*, int, char**,
   ExecResult result;
   char* error = nullptr;
   const QByteArray utf8 = sql.toUtf8();
+  ++executing_;
   result.code = sqlite3_exec(archiveConnection, utf8.constData(), callback, context, &error);
+  --executing_;
   if (error != nullptr) {
     result.error = QString::fromUtf8(error);
     sqlite3_free(error);

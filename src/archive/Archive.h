@@ -104,6 +104,8 @@ class Archive : public IdListState {
   }
   // The id of the row inserted last on this connection.
   long long lastInsertRowId() const;
+  // Whether a statement is running (its row callback may have let events be handled).
+  bool executing() const { return executing_ > 0; }
 
   // Runs "DELETE FROM <table> WHERE id=<id>" for each table in the order given. Each failure
   // is handed to onFailure, which answers whether to go on with the next table; returns true
@@ -139,6 +141,7 @@ class Archive : public IdListState {
 
   platform::Dialogs& dialogs_;
   platform::Files& files_;
+  int executing_ = 0;
   SearchIndex searchIndex_{*this};
 };
 

@@ -27,6 +27,12 @@ void PreparedStatement::bind(int index, const QByteArray& utf8) {
     sqlite3_bind_text(statement_, index, utf8.constData(), int(utf8.size()), SQLITE_TRANSIENT);
 }
 
+void PreparedStatement::bindView(int index, QByteArrayView utf8) {
+  if (statement_ != nullptr)
+    sqlite3_bind_text(statement_, index, utf8.data() ? utf8.data() : "", int(utf8.size()),
+                      SQLITE_STATIC);
+}
+
 bool PreparedStatement::step() {
   if (statement_ == nullptr)
     return false;
@@ -52,8 +58,12 @@ bool PreparedStatement::isNull(int column) const {
 }
 
 QByteArray PreparedStatement::bytes(int column) const {
+  return view(column).toByteArray();
+}
+
+QByteArrayView PreparedStatement::view(int column) const {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_, column));
-  return text ? QByteArray(text, sqlite3_column_bytes(statement_, column)) : QByteArray();
+  return text ? QByteArrayView(text, sqlite3_column_bytes(statement_, column)) : QByteArrayView();
 }
 
 }  // namespace quillery::archive

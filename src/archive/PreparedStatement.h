@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 struct sqlite3;
@@ -20,9 +21,11 @@ class PreparedStatement {
   PreparedStatement& operator=(const PreparedStatement&) = delete;
 
   bool ok() const { return statement_ != nullptr; }
-  // Binds the 1-based parameter; texts and byte arrays are copied.
+  // Binds the 1-based parameter; texts and byte arrays are copied, except by bindView, whose
+  // bytes must stay until the statement has run.
   void bind(int index, long long value);
   void bind(int index, const QByteArray& utf8);
+  void bindView(int index, QByteArrayView utf8);
   // The next row: true while there is one. At the end, or on an error, false; error()
   // then tells which (0 at the end).
   bool step();
@@ -32,8 +35,10 @@ class PreparedStatement {
 
   long long integer(int column) const;
   bool isNull(int column) const;
-  // The column's bytes as SQLite's text of it (UTF-8), empty for NULL.
+  // The column's bytes as SQLite's text of it (UTF-8), empty for NULL; the view lasts until
+  // the next step or reset.
   QByteArray bytes(int column) const;
+  QByteArrayView view(int column) const;
 
  private:
   sqlite3_stmt* statement_ = nullptr;

@@ -2,234 +2,189 @@
 
 #include <sqlite3.h>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QFile>
+#include <algorithm>
+#include <climits>
+#include <cstring>
 
 #include "archive/Archive.h"
+#include "archive/ArchiveFingerprint.h"
+#include "archive/CandidateTable.h"
 #include "archive/PreparedStatement.h"
-#include "archive/TrigramTokenizer.h"
 #include "platform/Progress.h"
 
 namespace quillery::archive {
 namespace {
 
-// The layout of the side file; a side file of another layout is made anew.
-constexpr long long kFormat = 1;
-constexpr const char* kColumns[] = {"body_fld", "subj_fld", "from_fld", "to_fld"};
 // Messages indexed per transaction while building, and how many may be indexed without the
 // progress panel.
 constexpr int kBatch = 2000;
 constexpr long long kQuietBuild = 5000;
-// The FTS5 tables collect this many bytes in memory before they write a segment: fewer, larger
-// segments cost less merging while a store run adds messages.
-constexpr int kPendingBytes = 16 * 1024 * 1024;
+// Noted messages are added while the event loop is idle and no store run is under way, in
+// slices of this many milliseconds, looked for this often; the side file is committed every
+// so many messages and when none are left.
+constexpr int kIdleSliceMs = 20;
+constexpr int kIdleCheckMs = 200;
+constexpr int kCommitEvery = 5000;
 
-void keepsMessageFunction(sqlite3_context* context, int, sqlite3_value** values) {
-  const auto* index = static_cast<const SearchIndex*>(sqlite3_user_data(context));
-  sqlite3_result_int(context, index->keepsMessage(sqlite3_value_int64(values[0])) ? 1 : 0);
+// Inserted and deleted messages; changed ones come from the trigger below, which fires only
+// when a searched column (or the id) is set, not for the attachment count a store run sets.
+void updateHook(void* index, int operation, const char* database, const char* table,
+                sqlite3_int64 id) {
+  if (operation != SQLITE_UPDATE && std::strcmp(database, "main") == 0 &&
+      sqlite3_stricmp(table, "email") == 0)
+    static_cast<SearchIndex*>(index)->rowChanged(operation, id);
 }
 
-// Counts a dropped message and answers 0, so that the delete trigger has nothing more to do.
-void countDroppedFunction(sqlite3_context* context, int, sqlite3_value**) {
-  static_cast<SearchIndex*>(sqlite3_user_data(context))->countDropped();
+void changedFunction(sqlite3_context* context, int, sqlite3_value** values) {
+  auto* index = static_cast<SearchIndex*>(sqlite3_user_data(context));
+  index->rowChanged(SQLITE_DELETE, sqlite3_value_int64(values[0]));
+  index->rowChanged(SQLITE_INSERT, sqlite3_value_int64(values[1]));
   sqlite3_result_int(context, 0);
 }
 
-QString quotedPath(QString path) {
-  return QLatin1Char('"') + path.replace(QLatin1Char('"'), QLatin1String("\"\"")) +
-         QLatin1Char('"');
-}
+// Made on the connection only: it leaves the archive's schema as it is.
+constexpr char kChangeTrigger[] =
+    "CREATE TEMP TRIGGER IF NOT EXISTS quillery_index_changed AFTER UPDATE OF "
+    "id,body_fld,subj_fld,from_fld,to_fld ON main.email "
+    "WHEN quillery_index_changed(old.id,new.id) BEGIN SELECT 1; END";
 
-// A trigger names the tables it writes without their schema; a TEMP trigger finds them in the
-// attached side file, the archive having no tables of these names.
-QString insertsOf(const char* row) {
-  QString inserts;
-  for (const char* column : kColumns) {
-    inserts += QStringLiteral("INSERT INTO %1(rowid,t) VALUES(%2.id,%2.%3);")
-                   .arg(SearchIndex::tableNameOf(QLatin1String(column)), QLatin1String(row),
-                        QLatin1String(column));
-  }
-  return inserts;
+bool hasEventLoop() {
+  return QCoreApplication::instance() != nullptr;
 }
 
 }  // namespace
 
-QString SearchIndex::tableNameOf(const QString& column) {
-  return QStringLiteral("quillery_") + column;
-}
-
-QString SearchIndex::tableOf(const QString& column) {
-  return QLatin1String(kSchema) + QLatin1Char('.') + tableNameOf(column);
-}
-
 bool SearchIndex::isIndexedColumn(const QString& column) {
-  for (const char* indexed : kColumns) {
+  for (const char* indexed : IndexFile::kColumnNames) {
     if (column == QLatin1String(indexed))
       return true;
   }
   return false;
 }
 
-SearchIndex::SearchIndex(Archive& archive) : archive_(archive) {}
+SearchIndex::SearchIndex(Archive& archive) : archive_(archive) {
+  idleTimer_.setSingleShot(true);
+  connect(&idleTimer_, &QTimer::timeout, this, &SearchIndex::addNotedWhileIdle);
+}
+
+SearchIndex::~SearchIndex() = default;
 
 void SearchIndex::attach() {
   off();
   sqlite3* connection = archive_.archiveConnection;
   const QString archivePath = archive_.filePath();
-  if (connection == nullptr || archivePath.isEmpty() || !TrigramTokenizer::registerWith(connection))
+  if (connection == nullptr || archivePath.isEmpty())
     return;
-  sqlite3_create_function_v2(connection, "quillery_index_keeps", 1, SQLITE_UTF8, this,
-                             keepsMessageFunction, nullptr, nullptr, nullptr);
-  sqlite3_create_function_v2(connection, "quillery_index_dropped", 1, SQLITE_UTF8, this,
-                             countDroppedFunction, nullptr, nullptr, nullptr);
-  const QString sidePath = archivePath + QStringLiteral(".index");
-  bool opened = openSideFile(sidePath);
-  if (!opened) {
-    // A side file of another layout, or not a database at all: it is only ever an index.
+  if (!CandidateTable::registerWith(connection, &candidates_) ||
+      sqlite3_create_function_v2(connection, "quillery_index_changed", 2, SQLITE_UTF8, this,
+                                 changedFunction, nullptr, nullptr, nullptr) != SQLITE_OK ||
+      !file_.open(archivePath + QStringLiteral(".index")) || !readState() ||
+      !archive_.exec(QLatin1String(kChangeTrigger)).ok()) {
     off();
-    QFile::remove(sidePath);
-    opened = openSideFile(sidePath);
+    return;
   }
-  if (!opened || !readState() || !makeTriggers())
+  readMessage_ = std::make_unique<PreparedStatement>(
+      connection,
+      QStringLiteral("SELECT body_fld,subj_fld,from_fld,to_fld FROM main.email WHERE id=?1"));
+  if (!readMessage_->ok()) {
     off();
-}
-
-bool SearchIndex::openSideFile(const QString& sidePath) {
-  if (!archive_.exec(QStringLiteral("ATTACH %1 AS %2").arg(quotedPath(sidePath), kSchema)).ok())
-    return false;
-  attached_ = true;
-  return ensureSchema();
-}
-
-bool SearchIndex::ensureSchema() {
-  sqlite3* connection = archive_.archiveConnection;
-  {
-    PreparedStatement format(connection, QStringLiteral("SELECT format FROM %1.meta").arg(kSchema));
-    if (format.step())
-      return format.integer(0) == kFormat;
-    PreparedStatement tables(connection,
-                             QStringLiteral("SELECT count(*) FROM %1.sqlite_master").arg(kSchema));
-    if (!tables.step() || tables.integer(0) != 0)
-      return false;
+    return;
   }
-  QStringList statements = {
-      QStringLiteral("BEGIN"),
-      QStringLiteral("CREATE TABLE %1.meta(format INTEGER,state TEXT,built_upto INTEGER,"
-                     "counter INTEGER,pages INTEGER,identity TEXT,dropped INTEGER)")
-          .arg(kSchema),
-      QStringLiteral("INSERT INTO %1.meta VALUES(%2,'stale',0,NULL,NULL,NULL,0)")
-          .arg(kSchema)
-          .arg(kFormat)};
-  for (const char* column : kColumns) {
-    const QString table = tableOf(QLatin1String(column));
-    statements << QStringLiteral(
-                      "CREATE VIRTUAL TABLE %1 USING fts5(t,content='',detail=none,"
-                      "columnsize=0,tokenize='%2')")
-                      .arg(table, QLatin1String(TrigramTokenizer::kName))
-               << QStringLiteral("INSERT INTO %1(%2,rank) VALUES('hashsize',%3)")
-                      .arg(table, tableNameOf(QLatin1String(column)))
-                      .arg(kPendingBytes);
-  }
-  statements << QStringLiteral("COMMIT");
-  for (const QString& statement : std::as_const(statements)) {
-    if (!archive_.exec(statement).ok()) {
-      archive_.exec(QStringLiteral("ROLLBACK"));
-      return false;
-    }
-  }
-  return true;
+  sqlite3_update_hook(connection, updateHook, this);
 }
 
 bool SearchIndex::readState() {
-  sqlite3* connection = archive_.archiveConnection;
   if (!archive_.exec(QStringLiteral("BEGIN")).ok())
     return false;
-  const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
-  PreparedStatement meta(
-      connection,
-      QStringLiteral("SELECT state,built_upto,counter,pages,identity,dropped FROM %1.meta")
-          .arg(kSchema));
-  bool ok = now.valid && meta.step();
-  if (ok) {
-    stored_ = {meta.integer(2), meta.integer(3), QString::fromUtf8(meta.bytes(4))};
-    stored_.valid = !meta.isNull(4);
-    dropped_ = meta.integer(5);
-    extent_ = now.hasMessages ? now.highestId - now.lowestId + 1 : 0;
-    const QByteArray state = meta.bytes(0);
-    if (stored_ == now && state == "current") {
-      state_ = State::Current;
-    } else if (stored_ == now && state == "building") {
-      state_ = State::Building;
-      builtUpTo_ = meta.integer(1);
-    } else if (!now.hasMessages) {
-      // Nothing to index: whatever the side file held goes, and the index is current.
-      ok = emptyIndex() && writeState("current", 0, now);
-      state_ = State::Current;
-    } else {
-      ok = writeState("stale", 0, ArchiveFingerprint());
-      state_ = State::Stale;
-    }
-  }
+  const ArchiveFingerprint now = ArchiveFingerprint::read(archive_.archiveConnection);
   syncedDataVersion_ = dataVersion();
-  ok = archive_.exec(QStringLiteral("COMMIT")).ok() && ok && syncedDataVersion_ >= 0;
-  if (!ok)
-    archive_.exec(QStringLiteral("ROLLBACK"));
-  return ok;
-}
-
-bool SearchIndex::makeTriggers() {
-  // A changed message gives its new triples; its old ones stay until the next build.
-  const QString triggers[] = {
-      QStringLiteral("CREATE TEMP TRIGGER quillery_index_insert AFTER INSERT ON main.email "
-                     "WHEN quillery_index_keeps(new.id) BEGIN %1 END")
-          .arg(insertsOf("new")),
-      QStringLiteral("CREATE TEMP TRIGGER quillery_index_update AFTER UPDATE OF id,body_fld,"
-                     "subj_fld,from_fld,to_fld ON main.email WHEN quillery_index_keeps(new.id) "
-                     "BEGIN SELECT quillery_index_dropped(old.id); %1 END")
-          .arg(insertsOf("new")),
-      QStringLiteral("CREATE TEMP TRIGGER quillery_index_delete AFTER DELETE ON main.email "
-                     "WHEN quillery_index_dropped(old.id) BEGIN SELECT 1; END"),
-  };
-  for (const QString& trigger : triggers) {
-    if (!archive_.exec(trigger).ok())
+  archive_.exec(QStringLiteral("COMMIT"));
+  const std::optional<IndexFile::State> stored = file_.readState();
+  if (!now.valid || !stored || syncedDataVersion_ < 0)
+    return false;
+  stored_ = *stored;
+  span_ = now.hasMessages ? now.highestId - now.lowestId + 1 : 0;
+  const bool same = stored_.fingerprint == now;
+  if (same && (stored_.state == "current" || stored_.state == "building")) {
+    state_ = stored_.state == "current" ? State::Current : State::Building;
+    builtUpTo_ = stored_.builtUpTo;
+    std::optional<std::vector<long long>> pending = file_.pending();
+    if (!pending)
       return false;
+    noted_ = std::move(*pending);
+    if (!noted_.empty() && hasEventLoop())
+      idleTimer_.start(kIdleCheckMs);
+    return true;
   }
+  // The index describes another state of the archive. It is marked so at once, so that no
+  // later coincidence of fingerprints can make it look current.
+  IndexFile::State next;
+  next.state = now.hasMessages ? "stale" : "current";
+  if (!now.hasMessages)
+    next.fingerprint = now;
+  if (!file_.begin())
+    return false;
+  if ((!now.hasMessages && !file_.empty()) || !file_.writeState(next) || !file_.commit()) {
+    file_.rollback();
+    return false;
+  }
+  stored_ = next;
+  state_ = now.hasMessages ? State::Stale : State::Current;
   return true;
 }
 
 void SearchIndex::off() {
-  if (attached_ && archive_.isOpen()) {
-    for (const char* trigger : {"insert", "update", "delete"})
-      archive_.exec(QStringLiteral("DROP TRIGGER IF EXISTS temp.quillery_index_%1").arg(trigger));
-    archive_.exec(QStringLiteral("DETACH %1").arg(kSchema));
+  idleTimer_.stop();
+  if (archive_.isOpen()) {
+    sqlite3_update_hook(archive_.archiveConnection, nullptr, nullptr);
+    archive_.exec(QStringLiteral("DROP TRIGGER IF EXISTS temp.quillery_index_changed"));
   }
-  attached_ = false;
+  readMessage_.reset();
+  file_.close();
   state_ = State::Off;
   builtUpTo_ = 0;
   syncedDataVersion_ = -1;
-  dropped_ = 0;
+  stored_ = IndexFile::State();
+  span_ = 0;
   droppedSinceAttach_ = 0;
-  stored_ = ArchiveFingerprint();
+  noted_.clear();
+  candidates_.clear();
+  addedSinceCommit_ = 0;
+  pendingChanged_ = false;
 }
 
 void SearchIndex::detach() {
-  if (!attached_ || !archive_.isOpen())
+  if (!file_.isOpen()) {
+    off();
     return;
+  }
   sqlite3* connection = archive_.archiveConnection;
-  if (sqlite3_get_autocommit(connection) == 0)
+  if (connection != nullptr && sqlite3_get_autocommit(connection) == 0)
     archive_.exec(QStringLiteral("ROLLBACK"));
   if (state_ == State::Current || state_ == State::Building) {
     archive_.exec(QStringLiteral("BEGIN"));
-    if (dataVersion() == syncedDataVersion_) {
-      const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
-      if (now.valid && (!(now == stored_) || droppedSinceAttach_ != 0)) {
-        dropped_ += droppedSinceAttach_;
-        writeState(state_ == State::Current ? "current" : "building", builtUpTo_, now);
-      }
-    }
+    const long long version = dataVersion();
+    const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
     archive_.exec(QStringLiteral("COMMIT"));
+    // The messages still to be added are kept with the fingerprint: together with the
+    // grams they describe the archive.
+    if (version == syncedDataVersion_ && now.valid &&
+        (!(now == stored_.fingerprint) || droppedSinceAttach_ != 0 || file_.inTransaction() ||
+         pendingChanged_)) {
+      IndexFile::State next = stored_;
+      next.fingerprint = now;
+      next.dropped += droppedSinceAttach_;
+      std::sort(noted_.begin(), noted_.end());
+      noted_.erase(std::unique(noted_.begin(), noted_.end()), noted_.end());
+      if ((file_.inTransaction() || file_.begin()) && file_.writePending(noted_) &&
+          file_.writeState(next))
+        file_.commit();
+    }
   }
-  attached_ = false;
-  state_ = State::Off;
+  off();
 }
 
 void SearchIndex::forget(const QString& archivePath) {
@@ -242,6 +197,19 @@ bool SearchIndex::keepsMessage(long long id) const {
   return state_ == State::Current || (state_ == State::Building && id <= builtUpTo_);
 }
 
+void SearchIndex::rowChanged(int operation, long long id) {
+  if (operation == SQLITE_DELETE) {
+    ++droppedSinceAttach_;
+    return;
+  }
+  if (!keepsMessage(id))
+    return;
+  noted_.push_back(id);
+  pendingChanged_ = true;
+  if (hasEventLoop() && !idleTimer_.isActive())
+    idleTimer_.start(kIdleCheckMs);
+}
+
 long long SearchIndex::dataVersion() {
   PreparedStatement version(archive_.archiveConnection, QStringLiteral("PRAGMA main.data_version"));
   return version.step() ? version.integer(0) : -1;
@@ -250,86 +218,135 @@ long long SearchIndex::dataVersion() {
 bool SearchIndex::usable() {
   if (state_ != State::Current && state_ != State::Building)
     return false;
-  if (dataVersion() == syncedDataVersion_)
+  if (dataVersion() != syncedDataVersion_) {
+    // Another program has written to the archive: what it changed is not in the index.
+    state_ = State::Stale;
+    return false;
+  }
+  if (addNoted(noted_.size()))
     return true;
-  // Another program has written to the archive: what it changed is not in the index.
-  state_ = State::Stale;
+  off();
   return false;
 }
 
-bool SearchIndex::writeState(const char* state, long long builtUpTo,
-                             const ArchiveFingerprint& fingerprint) {
-  PreparedStatement update(archive_.archiveConnection,
-                           QStringLiteral("UPDATE %1.meta SET state=?1,built_upto=?2,counter=?3,"
-                                          "pages=?4,identity=?5,dropped=?6")
-                               .arg(kSchema));
-  update.bind(1, QByteArray(state));
-  update.bind(2, builtUpTo);
-  if (fingerprint.valid) {
-    update.bind(3, fingerprint.counter);
-    update.bind(4, fingerprint.pages);
-    update.bind(5, fingerprint.identity.toUtf8());
+bool SearchIndex::needsBuilding() const {
+  if (state_ == State::Stale || state_ == State::Building || !noted_.empty())
+    return true;
+  // Deleted and changed messages keep their grams: once they outnumber the messages twice
+  // over, the needless candidates cost more than building anew.
+  return state_ == State::Current && stored_.dropped + droppedSinceAttach_ > 2 * span_ + 10000;
+}
+
+std::optional<std::size_t> SearchIndex::prepareCandidates(const QString& query) {
+  std::optional<std::vector<long long>> ids = file_.ids(query);
+  if (!ids) {
+    off();
+    return std::nullopt;
   }
-  update.bind(6, dropped_);
-  update.step();
-  if (update.error() != SQLITE_OK)
+  candidates_ = std::move(*ids);
+  return candidates_.size();
+}
+
+bool SearchIndex::addNoted(std::size_t most) {
+  if (noted_.empty())
+    return true;
+  std::sort(noted_.begin(), noted_.end());
+  noted_.erase(std::unique(noted_.begin(), noted_.end()), noted_.end());
+  if (!file_.inTransaction() && !file_.begin())
     return false;
-  stored_ = fingerprint;
+  const std::size_t count = std::min(most, noted_.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    readMessage_->reset();
+    readMessage_->bind(1, noted_[i]);
+    // A message gone again (deleted, or its insert rolled back) has nothing to add.
+    if (readMessage_->step()) {
+      const QByteArrayView texts[] = {readMessage_->view(0), readMessage_->view(1),
+                                      readMessage_->view(2), readMessage_->view(3)};
+      if (!file_.add(noted_[i], texts))
+        return false;
+    } else if (readMessage_->error() != SQLITE_OK) {
+      return false;
+    }
+  }
+  readMessage_->reset();
+  noted_.erase(noted_.begin(), noted_.begin() + qsizetype(count));
+  addedSinceCommit_ += int(count);
+  pendingChanged_ = true;
   return true;
 }
 
-bool SearchIndex::emptyIndex() {
-  for (const char* column : kColumns) {
-    const QString table = tableOf(QLatin1String(column));
-    if (!archive_
-             .exec(QStringLiteral("INSERT INTO %1(%2) VALUES('delete-all')")
-                       .arg(table, tableNameOf(QLatin1String(column))))
-             .ok())
-      return false;
+void SearchIndex::addNotedWhileIdle() {
+  if (!file_.isOpen() || noted_.empty())
+    return;
+  // Never inside a statement of the archive's connection (an event handled from a row
+  // callback), nor while a store run stores: it is then at its fastest without the index.
+  if (archive_.executing() || archive_.storeRunUnderWay) {
+    idleTimer_.start(kIdleCheckMs);
+    return;
   }
-  dropped_ = 0;
+  QElapsedTimer slice;
+  slice.start();
+  bool ok = true;
+  while (ok && !noted_.empty() && slice.elapsed() < kIdleSliceMs)
+    ok = addNoted(64);
+  if (ok && (noted_.empty() || addedSinceCommit_ >= kCommitEvery)) {
+    ok = file_.commit();
+    addedSinceCommit_ = 0;
+  }
+  if (!ok)
+    off();
+  else if (!noted_.empty())
+    idleTimer_.start(0);
+}
+
+bool SearchIndex::startBuilding() {
+  // What the index holds goes: it describes another state of the archive.
+  archive_.exec(QStringLiteral("BEGIN"));
+  syncedDataVersion_ = dataVersion();
+  const ArchiveFingerprint now = ArchiveFingerprint::read(archive_.archiveConnection);
+  archive_.exec(QStringLiteral("COMMIT"));
+  IndexFile::State next;
+  next.state = "building";
+  next.fingerprint = now;
+  noted_.clear();
+  if (!now.valid || syncedDataVersion_ < 0 || !(file_.inTransaction() || file_.begin()) ||
+      !file_.empty() || !file_.writeState(next) || !file_.commit())
+    return false;
+  stored_ = next;
+  state_ = State::Building;
+  builtUpTo_ = 0;
   droppedSinceAttach_ = 0;
   return true;
-}
-
-bool SearchIndex::needsBuilding() {
-  if (state_ == State::Stale || state_ == State::Building)
-    return true;
-  // Deleted and changed messages keep their triples: once they outnumber the messages twice
-  // over, the needless candidates cost more than building anew.
-  return state_ == State::Current && dropped_ + droppedSinceAttach_ > 2 * extent_ + 10000;
 }
 
 bool SearchIndex::build(platform::Progress& progress, const std::function<bool()>& stopRequested) {
   if (!needsBuilding())
     return state_ == State::Current;
-  sqlite3* connection = archive_.archiveConnection;
-  if (!archive_.exec(QStringLiteral("BEGIN")).ok())
-    return false;
-  // What another program wrote since the index was attached is not in it: start afresh then.
-  const long long version = dataVersion();
-  const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
-  bool ok = now.valid;
-  if (ok && (state_ != State::Building || version != syncedDataVersion_)) {
-    ok = emptyIndex() && writeState("building", 0, now);
-    builtUpTo_ = 0;
-  }
-  PreparedStatement remaining(connection,
-                              QStringLiteral("SELECT count(*) FROM main.email WHERE id>?1"));
-  remaining.bind(1, builtUpTo_);
-  const long long toIndex = ok && remaining.step() ? remaining.integer(0) : 0;
-  if (!ok || !archive_.exec(QStringLiteral("COMMIT")).ok()) {
-    archive_.exec(QStringLiteral("ROLLBACK"));
+  const bool garbage = state_ == State::Current && noted_.empty();
+  if ((state_ == State::Stale || garbage || dataVersion() != syncedDataVersion_) &&
+      !startBuilding()) {
     off();
     return false;
   }
-  state_ = State::Building;
-  syncedDataVersion_ = version;
+  PreparedStatement remaining(archive_.archiveConnection,
+                              QStringLiteral("SELECT count(*) FROM main.email WHERE id>?1"));
+  remaining.bind(1, state_ == State::Building ? builtUpTo_ : LLONG_MAX);
+  const long long toIndex =
+      qsizetype(noted_.size()) + (remaining.step() ? remaining.integer(0) : 0);
+  remaining.reset();
   const bool shown = toIndex > kQuietBuild;
   if (shown)
     progress.open(QStringLiteral("Indexing..."));
   long long indexed = 0;
-  bool done = false;
+  bool ok = true;
+  while (ok && !noted_.empty() && !(stopRequested && stopRequested())) {
+    const std::size_t before = noted_.size();
+    ok = addNoted(kBatch) && file_.commit();
+    indexed += qsizetype(before - noted_.size());
+    if (shown)
+      progress.showCount(QString::number(indexed));
+  }
+  bool done = state_ == State::Current;
   while (ok && !done && !(stopRequested && stopRequested())) {
     ok = indexBatch(indexed, done);
     if (shown)
@@ -339,49 +356,44 @@ bool SearchIndex::build(platform::Progress& progress, const std::function<bool()
     progress.close();
   if (!ok)
     off();
-  return ok && done;
+  return ok && done && noted_.empty();
 }
 
 bool SearchIndex::indexBatch(long long& indexed, bool& done) {
-  sqlite3* connection = archive_.archiveConnection;
-  if (!archive_.exec(QStringLiteral("BEGIN")).ok())
-    return false;
-  bool ok = dataVersion() == syncedDataVersion_;
-  // The batch ends at the kBatch-th message after the last one indexed, or at the last.
-  PreparedStatement last(connection,
-                         QStringLiteral("SELECT max(id),count(*) FROM (SELECT id FROM main.email "
-                                        "WHERE id>?1 ORDER BY id LIMIT %1)")
+  archive_.exec(QStringLiteral("BEGIN"));
+  bool ok = dataVersion() == syncedDataVersion_ && (file_.inTransaction() || file_.begin());
+  PreparedStatement rows(archive_.archiveConnection,
+                         QStringLiteral("SELECT id,body_fld,subj_fld,from_fld,to_fld FROM "
+                                        "main.email WHERE id>?1 ORDER BY id LIMIT %1")
                              .arg(kBatch));
-  last.bind(1, builtUpTo_);
-  ok = ok && last.step();
-  const long long upTo = ok ? last.integer(0) : 0;
-  done = ok && last.isNull(0);
-  for (const char* column : kColumns) {
-    if (!ok || done)
-      break;
-    ok = archive_
-             .exec(QStringLiteral("INSERT INTO %1(rowid,t) SELECT id,%2 FROM main.email WHERE "
-                                  "id>%3 AND id<=%4")
-                       .arg(tableOf(QLatin1String(column)), QLatin1String(column))
-                       .arg(builtUpTo_)
-                       .arg(upTo))
-             .ok();
+  rows.bind(1, builtUpTo_);
+  long long upTo = builtUpTo_;
+  int count = 0;
+  while (ok && rows.step()) {
+    upTo = rows.integer(0);
+    const QByteArrayView texts[] = {rows.view(1), rows.view(2), rows.view(3), rows.view(4)};
+    ok = file_.add(upTo, texts);
+    ++count;
   }
-  if (ok) {
-    const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
-    ok = now.valid && writeState(done ? "current" : "building", done ? 0 : upTo, now);
-  }
-  if (!ok || !archive_.exec(QStringLiteral("COMMIT")).ok()) {
-    archive_.exec(QStringLiteral("ROLLBACK"));
+  ok = ok && rows.error() == SQLITE_OK;
+  rows.reset();
+  done = ok && count == 0;
+  IndexFile::State next = stored_;
+  next.state = done ? "current" : "building";
+  next.builtUpTo = done ? 0 : upTo;
+  if (ok)
+    next.fingerprint = ArchiveFingerprint::read(archive_.archiveConnection);
+  archive_.exec(QStringLiteral("COMMIT"));
+  ok = ok && next.fingerprint.valid && file_.writeState(next) && file_.commit();
+  if (!ok) {
+    file_.rollback();
     return false;
   }
-  if (done) {
+  stored_ = next;
+  if (done)
     state_ = State::Current;
-    builtUpTo_ = 0;
-  } else {
-    indexed += last.integer(1);
-    builtUpTo_ = upTo;
-  }
+  builtUpTo_ = next.builtUpTo;
+  indexed += count;
   return true;
 }
 

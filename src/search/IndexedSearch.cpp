@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include "archive/Archive.h"
+#include "archive/CandidateTable.h"
 #include "archive/PreparedStatement.h"
 #include "archive/SearchIndex.h"
 #include "search/SearchPrefilter.h"
@@ -18,6 +19,8 @@ const QString kTagsById = QStringLiteral("SEARCH tags USING INTEGER PRIMARY KEY 
 const QString kByDate = QStringLiteral("email USING INDEX email_date_idx");
 // The date index as the archive makes it; one made otherwise may order its rows otherwise.
 const QByteArray kDateIndexSql = "CREATE INDEX email_date_idx ON email(date_fld)";
+// The share of the messages above which the candidates are not worth narrowing to.
+constexpr double kMostMessages = 0.6;
 
 }  // namespace
 
@@ -39,7 +42,12 @@ QString IndexedSearch::statementFor(const QString& statement) {
   const QString order = tieOrder(statement);
   if (order.isEmpty())
     return statement;
-  QString narrowed = QStringLiteral("email.id IN (") + prefilter->candidates + QLatin1Char(')');
+  const std::optional<std::size_t> count = index.prepareCandidates(prefilter->candidates);
+  // Candidates among most of the messages save nothing over reading them all.
+  if (!count || double(*count) > kMostMessages * double(index.messageSpan()))
+    return statement;
+  QString narrowed = QStringLiteral("email.id IN (SELECT id FROM %1)")
+                         .arg(QLatin1String(archive::CandidateTable::kName));
   // Messages past the built part are all candidates until the index reaches them.
   if (index.state() == archive::SearchIndex::State::Building)
     narrowed = QStringLiteral("(%1 OR email.id>%2)").arg(narrowed).arg(index.builtUpTo());
@@ -50,11 +58,13 @@ QString IndexedSearch::statementFor(const QString& statement) {
 }
 
 QStringList IndexedSearch::columnNames() {
-  // A temporary table or view named email or tags would stand in for the archive's.
+  // A temporary table or view named email or tags would stand in for the archive's, and a
+  // table named like the candidates for them.
   archive::PreparedStatement shadowed(
       archive_.archiveConnection,
-      QStringLiteral("SELECT count(*) FROM temp.sqlite_master WHERE lower(name) IN "
-                     "('email','tags')"));
+      QStringLiteral("SELECT (SELECT count(*) FROM temp.sqlite_master WHERE lower(name) IN "
+                     "('email','tags','quillery_candidates'))+(SELECT count(*) FROM "
+                     "main.sqlite_master WHERE lower(name)='quillery_candidates')"));
   if (!shadowed.step() || shadowed.integer(0) != 0)
     return {};
   archive::PreparedStatement columns(

@@ -2,15 +2,16 @@
 
 #include <QList>
 
+#include "archive/IndexFile.h"
 #include "archive/SearchIndex.h"
 #include "archive/TrigramTokenizer.h"
 
 namespace quillery::search {
 namespace {
 
-// At most this many triples of one pattern are looked up: more narrow little further and
-// each costs a walk through the index.
-constexpr int kMaxTriples = 12;
+// At most this many terms of one pattern are looked up: more narrow little further and each
+// costs a walk through the index.
+constexpr int kMaxTerms = 12;
 
 const QStringList kEmailColumns = {
     QStringLiteral("id"),       QStringLiteral("from_fld"), QStringLiteral("to_fld"),
@@ -119,16 +120,15 @@ Candidates likeCandidates(const QString& column, const QString& pattern) {
   // Spread over the pattern when there are more than can be looked up.
   QStringList terms;
   const qsizetype n = triples.size();
-  const qsizetype take = std::min<qsizetype>(n, kMaxTriples);
+  const qsizetype take = std::min<qsizetype>(n, kMaxTerms);
   for (qsizetype k = 0; k < take; ++k) {
     const qsizetype i = take == 1 ? 0 : k * (n - 1) / (take - 1);
     terms.append(QLatin1Char('"') + QString::fromUtf8(triples.at(i)) + QLatin1Char('"'));
   }
   // Word triples hold no quotes of either kind.
   return {false,
-          QStringLiteral("SELECT rowid FROM %1 WHERE %2 MATCH '%3'")
-              .arg(archive::SearchIndex::tableOf(column), archive::SearchIndex::tableNameOf(column),
-                   terms.join(QStringLiteral(" AND ")))};
+          QStringLiteral("SELECT rowid FROM %1 WHERE %1 MATCH '%2'")
+              .arg(archive::IndexFile::tableOf(column), terms.join(QStringLiteral(" AND ")))};
 }
 
 // A recursive reading of the condition by SQLite's precedence: OR binds looser than AND.

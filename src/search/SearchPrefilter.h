@@ -7,8 +7,8 @@
 namespace quillery::search {
 
 // Reads a statement of the search query builder and works out which messages it can possibly
-// list: the candidate query, a SELECT of message ids from the search index whose rows are a
-// superset of the statement's rows.
+// list: the candidate query, a SELECT of message ids from the search index's tables (run on
+// the index's own connection) whose rows are a superset of the statement's rows.
 //
 // Only the builder's shape is read: its SELECT part on "email" or "email,tags", then an
 // optional WHERE with comparisons joined by AND, OR and brackets, and " ORDER BY
@@ -17,8 +17,8 @@ namespace quillery::search {
 // quotes of its own is understood as SQLite understands it. Anything else is refused.
 //
 // A `column LIKE "pattern"` on an indexed column narrows to the messages whose index holds
-// every word triple of the pattern; every other comparison narrows nothing. AND narrows to the
-// messages both sides allow, OR to those either side allows.
+// every word triple of the pattern (TrigramTokenizer); every other comparison narrows nothing. AND
+// narrows to the messages both sides allow, OR to those either side allows.
 class SearchPrefilter {
  public:
   // The builder's SELECT part for a search without and with tags, up to the WHERE part.
