@@ -8,9 +8,9 @@ namespace quillery::archive {
 
 // What identifies the contents of an archive file cheaply: SQLite's change counter and page
 // count from the file's header (every program that commits a change to the file in rollback
-// mode raises the counter), the lowest and highest message id and a hash of the messages with
-// the highest ids (which tell apart two files whose counters happen to agree). The search
-// index keeps the fingerprint of the archive that it describes; an archive whose fingerprint
+// mode raises the counter), the lowest and highest message id and a hash of the headers of the
+// messages with the highest ids (which tell apart two files whose counters happen to agree). The
+// search index keeps the fingerprint of the archive that it describes; an archive whose fingerprint
 // differs has been changed by something that did not keep the index.
 struct ArchiveFingerprint {
   long long counter = 0;

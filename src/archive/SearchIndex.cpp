@@ -78,22 +78,37 @@ void SearchIndex::attach() {
   const QString archivePath = archive_.filePath();
   if (connection == nullptr || archivePath.isEmpty())
     return;
+  // The side file stays open while the same archive is opened again, as every search does.
+  const QString sidePath = archivePath + QStringLiteral(".index");
+  if (sidePath != sidePath_ || !file_.isOpen()) {
+    file_.close();
+    sidePath_ = sidePath;
+    if (!file_.open(sidePath)) {
+      fail();
+      return;
+    }
+  }
   if (!CandidateTable::registerWith(connection, &candidates_) ||
       sqlite3_create_function_v2(connection, "quillery_index_changed", 2, SQLITE_UTF8, this,
                                  changedFunction, nullptr, nullptr, nullptr) != SQLITE_OK ||
-      !file_.open(archivePath + QStringLiteral(".index")) || !readState() ||
-      !archive_.exec(QLatin1String(kChangeTrigger)).ok()) {
-    off();
+      !readState() || !archive_.exec(QLatin1String(kChangeTrigger)).ok()) {
+    fail();
     return;
   }
   readMessage_ = std::make_unique<PreparedStatement>(
       connection,
       QStringLiteral("SELECT body_fld,subj_fld,from_fld,to_fld FROM main.email WHERE id=?1"));
   if (!readMessage_->ok()) {
-    off();
+    fail();
     return;
   }
   sqlite3_update_hook(connection, updateHook, this);
+}
+
+void SearchIndex::fail() {
+  off();
+  file_.close();
+  sidePath_.clear();
 }
 
 bool SearchIndex::readState() {
@@ -143,7 +158,9 @@ void SearchIndex::off() {
     archive_.exec(QStringLiteral("DROP TRIGGER IF EXISTS temp.quillery_index_changed"));
   }
   readMessage_.reset();
-  file_.close();
+  // What was added since the last commit belongs to a session that did not record it.
+  if (file_.inTransaction())
+    file_.rollback();
   state_ = State::Off;
   builtUpTo_ = 0;
   syncedDataVersion_ = -1;
@@ -188,7 +205,9 @@ void SearchIndex::detach() {
 }
 
 void SearchIndex::forget(const QString& archivePath) {
-  off();
+  const QString sidePath = archivePath + QStringLiteral(".index");
+  if (sidePath == sidePath_)
+    fail();
   QFile::remove(archivePath + QStringLiteral(".index"));
   QFile::remove(archivePath + QStringLiteral(".index-journal"));
 }
@@ -225,7 +244,7 @@ bool SearchIndex::usable() {
   }
   if (addNoted(noted_.size()))
     return true;
-  off();
+  fail();
   return false;
 }
 
@@ -240,7 +259,7 @@ bool SearchIndex::needsBuilding() const {
 std::optional<std::size_t> SearchIndex::prepareCandidates(const QString& query) {
   std::optional<std::vector<long long>> ids = file_.ids(query);
   if (!ids) {
-    off();
+    fail();
     return std::nullopt;
   }
   candidates_ = std::move(*ids);
@@ -294,7 +313,7 @@ void SearchIndex::addNotedWhileIdle() {
     addedSinceCommit_ = 0;
   }
   if (!ok)
-    off();
+    fail();
   else if (!noted_.empty())
     idleTimer_.start(0);
 }
@@ -325,7 +344,7 @@ bool SearchIndex::build(platform::Progress& progress, const std::function<bool()
   const bool garbage = state_ == State::Current && noted_.empty();
   if ((state_ == State::Stale || garbage || dataVersion() != syncedDataVersion_) &&
       !startBuilding()) {
-    off();
+    fail();
     return false;
   }
   PreparedStatement remaining(archive_.archiveConnection,
@@ -355,7 +374,7 @@ bool SearchIndex::build(platform::Progress& progress, const std::function<bool()
   if (shown)
     progress.close();
   if (!ok)
-    off();
+    fail();
   return ok && done && noted_.empty();
 }
 

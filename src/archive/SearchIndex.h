@@ -116,11 +116,15 @@ class SearchIndex : public QObject {
   bool indexBatch(long long& indexed, bool& done);
   bool startBuilding();
   void addNotedWhileIdle();
-  // Closes the side file: nothing is kept or searched any more on this connection.
+  // Stops keeping and using the index on this connection; the side file stays open for the
+  // next connection to the same archive.
   void off();
+  // Off, and the side file closed: it failed, or is to be removed.
+  void fail();
 
   Archive& archive_;
   IndexFile file_;
+  QString sidePath_;
   State state_ = State::Off;
   long long builtUpTo_ = 0;
   long long syncedDataVersion_ = -1;

@@ -80,8 +80,6 @@ void ResultList::retrieve(const QString& dbPath, IndexedSearch* indexed) {
   // The table stays reset until the new rows are in: no view reads them half made.
   Q_EMIT listAboutToReset();
   emptyRows();
-  lastTo_ = {};
-  lastMailbox_ = {};
   Q_EMIT countsChanged(dbCountText_, listCountText_);
   Q_EMIT messageViewCleared();
   Q_EMIT listWindowTitleChanged(QStringLiteral("retrieving email from database..."));
@@ -123,8 +121,6 @@ archive::ExecResult ResultList::runListStatement(IndexedSearch* indexed) {
   archive_.idList.clear();
   emailRows.clear();
   listCount = 0;
-  lastTo_ = {};
-  lastMailbox_ = {};
   readTaggedIds(statement);
   return archive_.exec(statement, &ResultList::listRowCallback, this);
 }
@@ -181,27 +177,13 @@ int ResultList::listRowCallback(void* context, int columns, char** values, char*
   const bool isTagged = list->tagged(id, failed);
   if (failed)
     return 0;
-  QString date = QString::fromUtf8(column(1));
-  if (isTagged)
-    date += QLatin1Char('*');
-  list->emailRows.append(Emailrow(id, numAttach, std::move(date), QString::fromUtf8(column(2)),
-                                  repeatedText(column(3), list->lastTo_),
-                                  QString::fromUtf8(column(4)),
-                                  repeatedText(column(5), list->lastMailbox_)));
+  list->emailRows.append(Emailrow::fromColumns(id, numAttach, column(1), isTagged, column(2),
+                                               column(3), column(4), column(5)));
   ++list->listCount;
   // "%s" of a NULL id prints "(null)", as the id callback writes it.
-  archive.idList.append(column(0) ? QString::fromUtf8(column(0)) : QStringLiteral("(null)"));
+  archive.idList.append(column(0) ? column(0) : "(null)");
   list->progress_.doProgressCount(list->listCount, 10);
   return 0;
-}
-
-QString ResultList::repeatedText(const char* value, RepeatedText& last) {
-  const QByteArrayView bytes(value ? value : "");
-  if (bytes != QByteArrayView(last.bytes) || last.text.isNull()) {
-    last.bytes = bytes.toByteArray();
-    last.text = QString::fromUtf8(bytes);
-  }
-  return last.text;
 }
 
 void ResultList::emptyRows() {
@@ -227,7 +209,7 @@ void ResultList::startRows(const QString& dbPath) {
 }
 
 void ResultList::appendRow(Emailrow row) {
-  archive_.idList.append(QString::number(row.emailID()));
+  archive_.idList.append(row.emailID());
   emailRows.append(std::move(row));
   ++listCount;
 }

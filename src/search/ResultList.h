@@ -126,15 +126,6 @@ class ResultList : public QObject {
   void rowsReplaced();
 
  private:
-  // The bytes and text of a column on the row read last, for sharing repeated texts.
-  struct RepeatedText {
-    QByteArray bytes;
-    QString text;
-  };
-  // The text of a column that often repeats from row to row (the mailbox, the recipient):
-  // the previous row's text is shared when the bytes are the same, which keeps a long list
-  // small.
-  static QString repeatedText(const char* value, RepeatedText& last);
   // Runs the statement with the row callback, through the index when given.
   archive::ExecResult runListStatement(IndexedSearch* indexed);
   // Reads the ids of the tagged messages for a statement that runs alone; when the statement
@@ -153,8 +144,6 @@ class ResultList : public QObject {
   QString dbCountText_;
   QString listCountText_;
   QString listedArchivePath_;
-  RepeatedText lastTo_;
-  RepeatedText lastMailbox_;
   // The tagged ids of the retrieval under way, ascending, when they were read at its start.
   std::vector<long long> taggedIds_;
   bool taggedIdsRead_ = false;
