@@ -5,17 +5,19 @@
 #include <QFile>
 #include <QStringList>
 
+#include "archive/GramTokenizer.h"
 #include "archive/PreparedStatement.h"
-#include "archive/TrigramTokenizer.h"
 
 namespace quillery::archive {
 namespace {
 
 // The layout of the side file; a side file of another layout is made anew.
-constexpr long long kFormat = 4;
+constexpr long long kFormat = 5;
 // The FTS5 tables collect this many bytes in memory before they write a segment: fewer,
 // larger segments cost less merging.
 constexpr int kPendingBytes = 16 * 1024 * 1024;
+// Another Quillery working on the same archive holds the side file only for short writes.
+constexpr int kBusyMs = 2000;
 
 }  // namespace
 
@@ -36,12 +38,19 @@ bool IndexFile::open(const QString& path) {
   close();
   for (int attempt = 0; attempt < 2; ++attempt) {
     const QByteArray name = path.toUtf8();
+    Schema schema = Schema::Failed;
     if (sqlite3_open_v2(name.constData(), &connection_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                         nullptr) == SQLITE_OK &&
-        TrigramTokenizer::registerWith(connection_) && makeSchema())
+        sqlite3_busy_timeout(connection_, kBusyMs) == SQLITE_OK &&
+        GramTokenizer::registerWith(connection_))
+      schema = makeSchema();
+    if (schema == Schema::Ready)
       return true;
-    // Not a database, or one of another layout: it is only ever an index, so it is made anew.
     close();
+    // Not a database, or one of another layout: it is only ever an index, so it is made anew.
+    // Anything else (a lock held too long, a full disk) leaves it alone.
+    if (schema != Schema::Foreign)
+      return false;
     QFile::remove(path);
     QFile::remove(path + QStringLiteral("-journal"));
   }
@@ -59,21 +68,33 @@ void IndexFile::close() {
   connection_ = nullptr;
 }
 
+bool IndexFile::hasMoved() const {
+  int moved = 0;
+  return connection_ == nullptr ||
+         sqlite3_file_control(connection_, "main", SQLITE_FCNTL_HAS_MOVED, &moved) != SQLITE_OK ||
+         moved != 0;
+}
+
 bool IndexFile::run(const QString& sql) {
   const QByteArray utf8 = sql.toUtf8();
   return sqlite3_exec(connection_, utf8.constData(), nullptr, nullptr, nullptr) == SQLITE_OK;
 }
 
-bool IndexFile::makeSchema() {
+IndexFile::Schema IndexFile::makeSchema() {
   {
     PreparedStatement format(connection_, QStringLiteral("SELECT format FROM meta"));
-    if (format.step()) {
-      if (format.integer(0) != kFormat)
-        return false;
-    } else {
+    const bool read = format.step();
+    if (read && format.integer(0) != kFormat)
+      return Schema::Foreign;
+    if (!read) {
+      const int code = format.ok() ? format.error() : sqlite3_errcode(connection_);
+      if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT)
+        return Schema::Foreign;
       PreparedStatement tables(connection_, QStringLiteral("SELECT count(*) FROM sqlite_master"));
-      if (!tables.step() || tables.integer(0) != 0)
-        return false;
+      if (!tables.step())
+        return Schema::Failed;
+      if (tables.integer(0) != 0)
+        return Schema::Foreign;
       QStringList statements = {
           QStringLiteral("CREATE TABLE meta(format INTEGER,state TEXT,built_upto INTEGER,"
                          "counter INTEGER,pages INTEGER,identity TEXT,dropped INTEGER)"),
@@ -84,21 +105,21 @@ bool IndexFile::makeSchema() {
         statements << QStringLiteral(
                           "CREATE VIRTUAL TABLE %1 USING fts5(t,content='',"
                           "detail=none,columnsize=0,tokenize='%2')")
-                          .arg(table, QLatin1String(TrigramTokenizer::kName))
+                          .arg(table, QLatin1String(GramTokenizer::kName))
                    << QStringLiteral("INSERT INTO %1(%1,rank) VALUES('hashsize',%2)")
                           .arg(table)
                           .arg(kPendingBytes);
       }
       if (!begin())
-        return false;
+        return Schema::Failed;
       for (const QString& statement : std::as_const(statements)) {
         if (!run(statement)) {
           rollback();
-          return false;
+          return Schema::Failed;
         }
       }
       if (!commit())
-        return false;
+        return Schema::Failed;
     }
   }
   for (int i = 0; i < kColumns; ++i) {
@@ -106,9 +127,9 @@ bool IndexFile::makeSchema() {
         connection_, QStringLiteral("INSERT INTO %1(rowid,t) VALUES(?1,?2)")
                          .arg(tableOf(QLatin1String(kColumnNames[i]))));
     if (!inserts_[i]->ok())
-      return false;
+      return Schema::Failed;
   }
-  return true;
+  return Schema::Ready;
 }
 
 std::optional<IndexFile::State> IndexFile::readState() {

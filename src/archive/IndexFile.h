@@ -19,7 +19,7 @@ class PreparedStatement;
 // part of the archive's transactions (FTS5 writes out what it has collected at every
 // statement of a transaction it takes part in, which would cost a small segment per stored
 // message). It holds one FTS5 table per searched column, named after the column with the
-// prefix "quillery_", each giving every message's word triples (TrigramTokenizer), the ids of
+// prefix "quillery_", each giving every message's word grams (GramTokenizer), the ids of
 // the messages whose grams are still to be added, and a row of state.
 //
 // Any failure leaves the file as it was before the failing transaction; the caller then
@@ -53,6 +53,8 @@ class IndexFile {
   // Closes the file; a transaction still open is rolled back.
   void close();
   bool isOpen() const { return connection_ != nullptr; }
+  // Whether the open file has been removed or renamed since it was opened.
+  bool hasMoved() const;
 
   std::optional<State> readState();
   bool writeState(const State& state);
@@ -76,7 +78,10 @@ class IndexFile {
   bool writePending(const std::vector<long long>& ids);
 
  private:
-  bool makeSchema();
+  // Ready; Foreign for a file that is no side file of this layout (to be made anew); Failed
+  // for anything else.
+  enum class Schema { Ready, Foreign, Failed };
+  Schema makeSchema();
   bool run(const QString& sql);
 
   sqlite3* connection_ = nullptr;

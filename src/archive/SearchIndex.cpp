@@ -80,18 +80,21 @@ void SearchIndex::attach() {
     return;
   // The side file stays open while the same archive is opened again, as every search does.
   const QString sidePath = archivePath + QStringLiteral(".index");
-  if (sidePath != sidePath_ || !file_.isOpen()) {
+  const bool reused = sidePath == sidePath_ && file_.isOpen() && !file_.hasMoved();
+  if (!reused) {
     file_.close();
     sidePath_ = sidePath;
-    if (!file_.open(sidePath)) {
-      fail();
-      return;
-    }
   }
-  if (!CandidateTable::registerWith(connection, &candidates_) ||
+  // A side file kept open that something else has changed meanwhile is opened afresh.
+  bool ready = (reused || file_.open(sidePath)) && readState();
+  if (!ready && reused) {
+    file_.close();
+    ready = file_.open(sidePath) && readState();
+  }
+  if (!ready || !CandidateTable::registerWith(connection, &candidates_) ||
       sqlite3_create_function_v2(connection, "quillery_index_changed", 2, SQLITE_UTF8, this,
                                  changedFunction, nullptr, nullptr, nullptr) != SQLITE_OK ||
-      !readState() || !archive_.exec(QLatin1String(kChangeTrigger)).ok()) {
+      !archive_.exec(QLatin1String(kChangeTrigger)).ok()) {
     fail();
     return;
   }
@@ -242,7 +245,8 @@ bool SearchIndex::usable() {
     state_ = State::Stale;
     return false;
   }
-  if (addNoted(noted_.size()))
+  // The side file is not left in a transaction: another program may want to write it.
+  if (addNoted(noted_.size()) && (!file_.inTransaction() || file_.commit()))
     return true;
   fail();
   return false;

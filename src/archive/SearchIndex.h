@@ -25,7 +25,7 @@ class PreparedStatement;
 // other program, for the merge and for the exports.
 //
 // The index only ever narrows a search to a superset of its hits: every message is in it with
-// the word triples of its texts, and a message that is deleted or changed keeps its old
+// the word grams of its texts, and a message that is deleted or changed keeps its old
 // grams until the index is next built anew, which costs needless candidates, never a hit.
 //
 // Keeping it current: SQLite tells this object of every row that the archive's connection

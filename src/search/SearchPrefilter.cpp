@@ -2,9 +2,9 @@
 
 #include <QList>
 
+#include "archive/GramTokenizer.h"
 #include "archive/IndexFile.h"
 #include "archive/SearchIndex.h"
-#include "archive/TrigramTokenizer.h"
 
 namespace quillery::search {
 namespace {
@@ -114,7 +114,7 @@ Candidates combined(const QList<Candidates>& parts, bool both) {
 }
 
 Candidates likeCandidates(const QString& column, const QString& pattern) {
-  const QList<QByteArray> triples = archive::TrigramTokenizer::likeTriples(pattern);
+  const QList<QByteArray> triples = archive::GramTokenizer::likeGrams(pattern);
   if (triples.isEmpty())
     return {};
   // Spread over the pattern when there are more than can be looked up.
@@ -125,7 +125,7 @@ Candidates likeCandidates(const QString& column, const QString& pattern) {
     const qsizetype i = take == 1 ? 0 : k * (n - 1) / (take - 1);
     terms.append(QLatin1Char('"') + QString::fromUtf8(triples.at(i)) + QLatin1Char('"'));
   }
-  // Word triples hold no quotes of either kind.
+  // Grams are made of word characters: no quotes of either kind.
   return {false,
           QStringLiteral("SELECT rowid FROM %1 WHERE %1 MATCH '%2'")
               .arg(archive::IndexFile::tableOf(column), terms.join(QStringLiteral(" AND ")))};

@@ -17,7 +17,7 @@ namespace quillery::search {
 // quotes of its own is understood as SQLite understands it. Anything else is refused.
 //
 // A `column LIKE "pattern"` on an indexed column narrows to the messages whose index holds
-// every word triple of the pattern (TrigramTokenizer); every other comparison narrows nothing. AND
+// every word gram of the pattern (GramTokenizer); every other comparison narrows nothing. AND
 // narrows to the messages both sides allow, OR to those either side allows.
 class SearchPrefilter {
  public:
