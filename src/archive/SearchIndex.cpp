@@ -299,7 +299,7 @@ bool SearchIndex::addNoted(std::size_t most) {
 }
 
 void SearchIndex::addNotedWhileIdle() {
-  if (!file_.isOpen() || noted_.empty())
+  if (!file_.isOpen() || noted_.empty() || building_)
     return;
   // Never inside a statement of the archive's connection (an event handled from a row
   // callback), nor while a store run stores: it is then at its fastest without the index.
@@ -362,19 +362,22 @@ bool SearchIndex::build(platform::Progress& progress, const std::function<bool()
     progress.open(QStringLiteral("Indexing..."));
   long long indexed = 0;
   bool ok = true;
-  while (ok && !noted_.empty() && !(stopRequested && stopRequested())) {
+  building_ = true;
+  const auto stepped = [&] {
+    if (shown)
+      progress.showCount(QString::number(indexed));
+    progress.keepResponsive();
+    return !(stopRequested && stopRequested());
+  };
+  while (ok && !noted_.empty() && stepped()) {
     const std::size_t before = noted_.size();
     ok = addNoted(kBatch) && file_.commit();
     indexed += qsizetype(before - noted_.size());
-    if (shown)
-      progress.showCount(QString::number(indexed));
   }
   bool done = state_ == State::Current;
-  while (ok && !done && !(stopRequested && stopRequested())) {
+  while (ok && !done && stepped())
     ok = indexBatch(indexed, done);
-    if (shown)
-      progress.showCount(QString::number(indexed));
-  }
+  building_ = false;
   if (shown)
     progress.close();
   if (!ok)

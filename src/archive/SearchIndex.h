@@ -90,9 +90,9 @@ class SearchIndex : public QObject {
   // Brings the index up to date: empties a stale one, adds the noted messages and indexes the
   // messages not yet in it, in transactions of a few thousand messages, showing
   // "Indexing..." with the count of indexed messages on the progress panel when there are
-  // more than a few thousand. stopRequested is asked between transactions; a stopped build
-  // keeps what it has done and goes on from there the next time. Returns true when the index
-  // is current at the end.
+  // more than a few thousand. Between transactions the progress port may let events through
+  // (keepResponsive) and stopRequested is asked; a stopped build keeps what it has done and
+  // goes on from there the next time. Returns true when the index is current at the end.
   bool build(platform::Progress& progress, const std::function<bool()>& stopRequested = {});
 
   // Runs a candidate query over the side file's FTS5 tables (IndexFile::tableOf) and offers
@@ -137,6 +137,8 @@ class SearchIndex : public QObject {
   int addedSinceCommit_ = 0;
   // Whether the messages still to be added differ from those the side file keeps.
   bool pendingChanged_ = false;
+  // While build() lets events through between its transactions.
+  bool building_ = false;
   QTimer idleTimer_;
 };
 

@@ -32,7 +32,9 @@ bool EmailSearch::retrieveEmails(const SearchForm& form, const QString& dbPath) 
   archive::SearchIndex& index = archive_.searchIndex();
   if (index.needsBuilding()) {
     indexingCancelled_ = false;
+    progress_.offerStop([this] { cancelIndexing(); });
     index.build(progress_, [this] { return indexingCancelled_; });
+    progress_.offerStop({});
   }
   archive_.sqlText = builder_.statement();
   list_.onlyAttachCheck = form.onlyAttachCheck;

@@ -98,32 +98,36 @@ struct Candidates {
   QString query;
 };
 
+// AND (both) narrows to what every narrowing part allows; OR to what any part allows, and so
+// not at all when one part narrows nothing.
 Candidates combined(const QList<Candidates>& parts, bool both) {
   QStringList queries;
   for (const Candidates& part : parts) {
     if (part.all && !both)
       return {};
     if (!part.all)
-      queries.append(QStringLiteral("SELECT * FROM (") + part.query + QLatin1Char(')'));
+      queries.append(part.query);
   }
   if (queries.isEmpty())
     return {};
   if (queries.size() == 1)
-    return {false, parts.size() == 1 ? parts.first().query : queries.first()};
+    return {false, queries.first()};
+  for (QString& query : queries)
+    query = QStringLiteral("SELECT * FROM (") + query + QLatin1Char(')');
   return {false, queries.join(both ? QStringLiteral(" INTERSECT ") : QStringLiteral(" UNION "))};
 }
 
 Candidates likeCandidates(const QString& column, const QString& pattern) {
-  const QList<QByteArray> triples = archive::GramTokenizer::likeGrams(pattern);
-  if (triples.isEmpty())
+  const QList<QByteArray> grams = archive::GramTokenizer::likeGrams(pattern);
+  if (grams.isEmpty())
     return {};
   // Spread over the pattern when there are more than can be looked up.
   QStringList terms;
-  const qsizetype n = triples.size();
+  const qsizetype n = grams.size();
   const qsizetype take = std::min<qsizetype>(n, kMaxTerms);
   for (qsizetype k = 0; k < take; ++k) {
     const qsizetype i = take == 1 ? 0 : k * (n - 1) / (take - 1);
-    terms.append(QLatin1Char('"') + QString::fromUtf8(triples.at(i)) + QLatin1Char('"'));
+    terms.append(QLatin1Char('"') + QString::fromUtf8(grams.at(i)) + QLatin1Char('"'));
   }
   // Grams are made of word characters: no quotes of either kind.
   return {false,
