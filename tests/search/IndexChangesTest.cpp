@@ -3,6 +3,7 @@
 // restore, and changes that another program makes between opens or while the archive is open.
 // Each search is checked against its plain statement and must be served by the index.
 #include <QFile>
+#include <QTest>
 
 #include "IndexedMail.h"
 #include "IndexedSearchFixture.h"
@@ -48,6 +49,17 @@ TEST_F(IndexChangesTest, StoredMailIsFoundAtOnceAndAfterTheArchiveOpensAgain) {
   archive.close();
   EXPECT_EQ(find("zebrafinch").size(), 1);
   EXPECT_EQ(archive.searchIndex().state(), archive::SearchIndex::State::Current);
+}
+
+TEST_F(IndexChangesTest, MessagesWrittenOnTheOpenArchiveAreIndexedWhileTheWindowIsIdle) {
+  storeInto(dbPath, {mbox("first.mbox")});
+  find("kitchen");
+  const int added = add("2030-01-01 00:00:00", "late");
+  archive.exec(QStringLiteral("UPDATE email SET body_fld='a zebrafinch' WHERE id=%1").arg(added));
+  EXPECT_TRUE(archive.searchIndex().needsBuilding());
+  QTest::qWait(1000);
+  EXPECT_FALSE(archive.searchIndex().needsBuilding());
+  EXPECT_EQ(find("zebrafinch"), QList<int>{added});
 }
 
 TEST_F(IndexChangesTest, AReplacedDuplicateIsFoundUnderItsNewId) {

@@ -48,9 +48,10 @@ struct IndexedMail {
     return mbox;
   }
 
-  // Stores the mbox files into the archive at dbPath with the real parser tool, as the
-  // window's store run does; false when the run did not end.
-  static bool store(const QString& dbPath, const QStringList& mboxes) {
+  // Stores the mbox files, then the accounts under HOME, into the archive at dbPath with the
+  // real parser tool, as the window's store run does; false when a run did not end.
+  static bool store(const QString& dbPath, const QStringList& mboxes,
+                    const QStringList& accounts = {}) {
     test::FakeDialogs dialogs;
     test::FakeProgress progress;
     platform::QtFiles files;
@@ -60,11 +61,18 @@ struct IndexedMail {
     ingest::StoreRunCounters counters;
     ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
                          test::toolPath(QStringLiteral("domail")));
-    run.mboxMode = true;
-    run.sourceList = mboxes;
-    QSignalSpy finished(&run, &ingest::StoreRun::finished);
     const ingest::StoreSwitches switches{false, true, true, false, true, false};
-    return run.parseEmail(dbPath, switches, {}, {}) && finished.wait(120000);
+    for (const bool mbox : {true, false}) {
+      if ((mbox ? mboxes : accounts).isEmpty())
+        continue;
+      QSignalSpy finished(&run, &ingest::StoreRun::finished);
+      run.mboxMode = mbox;
+      run.sourceList = mbox ? mboxes : QStringList();
+      const ingest::StoreSources sources{mbox ? QStringList() : accounts, {}};
+      if (!run.parseEmail(dbPath, switches, {}, sources) || !finished.wait(120000))
+        return false;
+    }
+    return true;
   }
 };
 

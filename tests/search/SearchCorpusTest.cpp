@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <ctime>
 
+#include "IndexedMail.h"
 #include "SearchFixture.h"
 #include "SearchRows.h"
 #include "ingest/StoreRun.h"
@@ -53,28 +54,12 @@ QString corpusArchive() {
     test::writeFile(samples + QString::number(i + 1) + ".emlx", emlx(file.readAll()));
   }
 
-  test::FakeDialogs dialogs;
-  test::FakeProgress progress;
-  platform::QtFiles files;
-  archive::Archive archive(dialogs, files);
-  ResultList list(archive, dialogs, progress);
-  ingest::CurrentMessage message;
-  ingest::StoreRunCounters counters;
-  ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
-                       test::toolPath(QStringLiteral("domail")));
+  QStringList mboxes;
+  for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}, QDir::Files))
+    mboxes.append(corpus + "/mbox/" + name);
   const QString path = dir.filePath(QStringLiteral("corpus.db"));
-  const ingest::StoreSwitches switches{false, true, true, false, true, false};
-  for (const bool mbox : {true, false}) {
-    QSignalSpy finished(&run, &ingest::StoreRun::finished);
-    run.mboxMode = mbox;
-    run.sourceList.clear();
-    for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}, QDir::Files))
-      if (mbox)
-        run.sourceList.append(corpus + "/mbox/" + name);
-    const ingest::StoreSources sources{mbox ? QStringList() : accounts, {}};
-    if (!run.parseEmail(path, switches, {}, sources) || !finished.wait(120000))
-      return {};
-  }
+  if (!IndexedMail::store(path, mboxes, accounts))
+    return {};
   stored = path;
   return stored;
 }
