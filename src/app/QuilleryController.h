@@ -25,8 +25,9 @@ class Settings;
 class Workspace;
 }  // namespace quillery::platform
 namespace quillery::ingest {
+class StorePreparation;
 class StoreRun;
-}
+}  // namespace quillery::ingest
 namespace quillery::search {
 class ResultList;
 }
@@ -173,6 +174,7 @@ class QuilleryController : public QObject {
   std::unique_ptr<MainWindow> mainWindow_;
   std::unique_ptr<search::ResultList> resultList_;
   std::unique_ptr<ingest::StoreRun> storeRun_;
+  std::unique_ptr<ingest::StorePreparation> storePreparation_;
   std::unique_ptr<Preferences> preferences_;
   std::unique_ptr<WindowFrames> frames_;
   std::unique_ptr<StorePanelBinding> storeBinding_;

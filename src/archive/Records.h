@@ -26,14 +26,6 @@ struct TagRecord {
   QString tagPriority;
   QString tagNotes;
   bool tagFound = false;
-
-  void clearTags() {
-    tagCategory.clear();
-    tagKeywords.clear();
-    tagPriority.clear();
-    tagNotes.clear();
-    tagFound = false;
-  }
 };
 
 // The ids idListCallback collects. Callers empty the list and zero the count first.

@@ -15,6 +15,7 @@
 #include "cli/ConsoleDialogs.h"
 #include "cli/ConsoleProgress.h"
 #include "ingest/CurrentMessage.h"
+#include "ingest/StorePreparation.h"
 #include "ingest/StoreRun.h"
 #include "ingest/StoreRunCounters.h"
 #include "platform/qt/QtFiles.h"
@@ -87,13 +88,15 @@ int runStore(QCoreApplication& app, const CliOptions& options) {
   ingest::CurrentMessage message;
   ingest::StoreRunCounters counters;
   ingest::StoreRun run(archive, list, message, counters, dialogs, progress, domail);
+  ingest::StorePreparation preparation(archive, dialogs, counters, run);
 
   ingest::StoreSources sources;
+  QStringList mboxFiles;
   switch (options.sourceKind) {
     case CliOptions::SourceKind::Mbox:
       for (const QString& file : options.sources)
-        run.sourceList.append(QFileInfo(file).absoluteFilePath());
-      run.mboxMode = true;
+        mboxFiles.append(QFileInfo(file).absoluteFilePath());
+      preparation.useMboxFiles(mboxFiles);
       break;
     case CliOptions::SourceKind::Accounts:
       sources.accountList = options.sources;
@@ -111,7 +114,9 @@ int runStore(QCoreApplication& app, const CliOptions& options) {
     app.quit();
   });
   cancelOnSignals(run, &app);
-  if (!run.parseEmail(archivePath(options), options.switches, options.dates, sources))
+  const std::optional<ingest::StoreRequest> request =
+      preparation.prepareRun(archivePath(options), options.switches, options.dates, sources);
+  if (!request || !run.start(*request))
     return kFailed;
   QCoreApplication::exec();
   print(stdout, summary);

@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include "archive/Archive.h"
 #include "archive/RowCallbacks.h"
 #include "ingest/StoreLog.h"
 #include "platform/Dialogs.h"
@@ -172,8 +171,7 @@ bool EmailStore::insertEmail(int numAttach) {
     }
     if (!secondAttempt)
       return false;  // given up without a word
-    storeLog_.write(QStringLiteral("SQL error for this email: ") + messageSuffix(result.code));
-    ++counters_.sqlErrorCount;
+    logFailure(QStringLiteral("SQL error for this email: ") + messageSuffix(result.code));
     m.recSubject.clear();
     headers_.subject.clear();
     secondAttempt = false;
@@ -239,9 +237,8 @@ bool EmailStore::insertRawSource() {
     reportCorruptArchive();
     return false;
   }
-  storeLog_.write(QStringLiteral("SQL error for raw source of this email: ") +
-                  messageSuffix(result.code));
-  ++counters_.sqlErrorCount;
+  logFailure(QStringLiteral("SQL error for raw source of this email: ") +
+             messageSuffix(result.code));
   return false;
 }
 
@@ -269,9 +266,17 @@ void EmailStore::doAttachment(const QString& attachText) {
   const archive::ExecResult result = archive_.exec(statement);
   if (result.ok())
     return;
-  storeLog_.write(QStringLiteral("SQL error for attachment ") + filename +
-                  QStringLiteral(" in this email: ") + messageSuffix(result.code));
-  ++counters_.sqlErrorCount;
+  logFailure(QStringLiteral("SQL error for attachment ") + filename +
+             QStringLiteral(" in this email: ") + messageSuffix(result.code));
+}
+
+void EmailStore::updateNumAttach(int numAttach) {
+  const archive::ExecResult result =
+      archive_.exec(QStringLiteral("UPDATE email SET numAttach=%1 WHERE id=%2")
+                        .arg(numAttach)
+                        .arg(message_.lastStoredId));
+  if (!result.ok())
+    logFailure(QStringLiteral("SQL error updating number of attachments\n"));
 }
 
 QString EmailStore::messageSuffix(int code) const {
@@ -282,10 +287,16 @@ QString EmailStore::messageSuffix(int code) const {
          QLatin1Char('\n');
 }
 
+void EmailStore::logFailure(const QString& line) {
+  storeLog_.write(line);
+  ++counters_.sqlErrorCount;
+}
+
 void EmailStore::reportCorruptArchive() {
   dialogs_.critical(QStringLiteral("Store Failed"),
                     paths_.dbPath + QStringLiteral(" is not a valid database file."));
   archive_.openFailed = true;
+  damagedArchiveFound_ = true;
 }
 
 }  // namespace quillery::ingest
