@@ -22,13 +22,16 @@ class StoreLog;
 // archive, inside the store run's transaction: an earlier copy of it (same date, to, from and
 // subject) is replaced and its tags carried over, then the email row, the tags row, the raw
 // source (when the source switch is on) and, one call each, the attachment rows follow.
-// SQL errors that do not stop the run go to the store log; the user sees only three alerts:
+// SQL errors that do not stop the run go to the store log, each followed by a line
+// "SQLite: <error text>" that gives SQLite's reason; the user sees only three alerts:
 // "Store Failed" for an archive that proves corrupt (openFailed is raised and
 // damagedArchiveFound answers true, which ends the run), "SQL error: %s" for a failing tags
 // row and "Couldn't open %@" for a missing raw file.
 // Texts are escaped on their way into statements and log lines; the current message keeps
 // them as read, so storing it again (as the reader does when an attachment follows a failed
-// store) finds the first copy as a duplicate and replaces it.
+// store) finds the first copy as a duplicate and replaces it. A statement cannot carry a NUL
+// character (binary junk in a part without encoding): each one is stored as U+FFFD, the
+// replacement character, and nothing else of the text changes.
 class EmailStore {
  public:
   EmailStore(archive::Archive& archive, CurrentMessage& message, StoreRunCounters& counters,
@@ -76,11 +79,16 @@ class EmailStore {
   bool insertEmail(int numAttach);
   bool insertTags();
   bool insertRawSource();
-  // "%d  %s::%s::%s::%s::%s\n" after an error text: the result code and the message's
-  // date, from, to, subject and mailbox, escaped as in the statements.
-  QString messageSuffix(int code) const;
-  // Writes a failure's log line and counts the error.
-  void logFailure(const QString& line);
+  using RowCallback = int (*)(void*, int, char**, char**);
+  // Runs a statement of the store, its NUL characters replaced first.
+  archive::ExecResult execute(QString& statement, RowCallback callback = nullptr,
+                              void* context = nullptr);
+  // "%d  %s::%s::%s::%s::%s" after an error text: the result code and the message's date,
+  // from, to, subject and mailbox (which keeps its line end), escaped as in the statements.
+  QString messageFields(int code) const;
+  // Writes a failure's log line, then "SQLite: <error text>" on a line of its own, and
+  // counts the error.
+  void logFailure(QString line, const archive::ExecResult& result);
   void reportCorruptArchive();
 
   archive::Archive& archive_;
