@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QProcessEnvironment>
+#include <algorithm>
 
 #include "archive/Archive.h"
 #include "archive/Statements.h"
@@ -21,7 +22,8 @@ const QString kNice = QStringLiteral("/usr/bin/nice");
 
 StoreRun::StoreRun(archive::Archive& archive, search::ResultList& resultList,
                    CurrentMessage& message, StoreRunCounters& counters, platform::Dialogs& dialogs,
-                   platform::Progress& progress, QString domailPath, QObject* parent)
+                   platform::Progress& progress, QString domailPath, CommitInterval commitInterval,
+                   QObject* parent)
     : QObject(parent),
       archive_(archive),
       resultList_(resultList),
@@ -30,10 +32,19 @@ StoreRun::StoreRun(archive::Archive& archive, search::ResultList& resultList,
       dialogs_(dialogs),
       progress_(progress),
       domailPath_(std::move(domailPath)),
+      transaction_(archive, storeLog_, commitInterval),
       store_(
           std::make_unique<EmailStore>(archive, message, counters, storeLog_, dialogs, progress)),
       reader_(
-          std::make_unique<RecordReader>(*store_, message, counters, [this] { countMessage(); })) {}
+          std::make_unique<RecordReader>(*store_, message, counters, [this] { countMessage(); })) {
+  // A quarter of the interval's time: a pause of the tool is committed soon after it is due.
+  commitTimer_.setInterval(int(std::max<qint64>(1, commitInterval.milliseconds / 4)));
+  connect(&commitTimer_, &QTimer::timeout, this, [this] {
+    // Between two messages only; an alert shown while one is stored runs the event loop.
+    if (!storing_)
+      transaction_.commitIfDue();
+  });
+}
 
 StoreRun::~StoreRun() {
   terminateParser();
@@ -66,8 +77,8 @@ void StoreRun::beginRun(const StoreRequest& request) {
   progress_.showItem(QString());
   progress_.setRunControlsVisible(true, platform::Progress::RunControls::All);
   progress_.open(QStringLiteral("Looking for email files..."));
-  logSqlError(QStringLiteral("BEGIN TRANSACTION"));
-  archive_.storeRunUnderWay = true;
+  transaction_.begin();
+  commitTimer_.start();
   store_->beginRun(paths_);
   store_->setOrigState(request.switches.origState);
 }
@@ -117,8 +128,8 @@ QProcess* StoreRun::detachTask() {
 }
 
 void StoreRun::commitStored() {
-  logSqlError(QStringLiteral("COMMIT TRANSACTION"));
-  archive_.storeRunUnderWay = false;
+  commitTimer_.stop();
+  transaction_.end();
 }
 
 void StoreRun::terminateParser() {
@@ -180,6 +191,7 @@ void StoreRun::storeAnnounced(const QString& announcement) {
     answered = true;
   });
   storing_ = false;
+  transaction_.messageDone();
   if (announcement != lastProgressText_) {
     progress_.setTitle(QStringLiteral("Storing in database..."));
     progress_.showItem(announcement);
@@ -208,12 +220,6 @@ void StoreRun::sendData(const QString& text) {
   // Handed to the pipe now rather than when the event loop next runs, which is only after
   // the message has been stored. Nine bytes fit an empty pipe at once, so this never waits.
   parserTask_->waitForBytesWritten(0);
-}
-
-void StoreRun::logSqlError(const QString& statement) {
-  const archive::ExecResult result = archive_.exec(statement);
-  if (!result.ok())
-    storeLog_.write(QStringLiteral("SQL error: %1\n").arg(result.error));
 }
 
 void StoreRun::countMessage() {

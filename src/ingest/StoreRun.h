@@ -5,6 +5,7 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <memory>
 
 #include "ingest/CurrentMessage.h"
@@ -12,6 +13,7 @@
 #include "ingest/StorePaths.h"
 #include "ingest/StoreRequest.h"
 #include "ingest/StoreRunCounters.h"
+#include "ingest/StoreTransaction.h"
 
 namespace quillery::archive {
 class Archive;
@@ -33,9 +35,10 @@ class RecordReader;
 // the parser tool through "/usr/bin/nice" and stores each message the tool announces, then
 // commits, writes the summary to the store log, shows it and lists the stored messages.
 // Everything runs on the calling thread's event loop, driven by the tool's output and its
-// termination; no call blocks while the tool works. The window binds its panels to the
-// signals; the run itself shows only alerts (through Dialogs) and progress (through
-// Progress).
+// termination; no call blocks while the tool works. The transaction is committed underneath
+// at intervals (StoreTransaction), so a run killed hard loses only its last interval. The
+// window binds its panels to the signals; the run itself shows only alerts (through
+// Dialogs) and progress (through Progress).
 class StoreRun : public QObject {
   Q_OBJECT
 
@@ -43,7 +46,7 @@ class StoreRun : public QObject {
   // domailPath is the parser tool's executable (the application's own folder + "/domail").
   StoreRun(archive::Archive& archive, search::ResultList& resultList, CurrentMessage& message,
            StoreRunCounters& counters, platform::Dialogs& dialogs, platform::Progress& progress,
-           QString domailPath, QObject* parent = nullptr);
+           QString domailPath, CommitInterval commitInterval = {}, QObject* parent = nullptr);
   ~StoreRun() override;
 
   // Starts the run of a request that its preparation has made (which reset the counters):
@@ -90,7 +93,6 @@ class StoreRun : public QObject {
   QProcess* detachTask();
   // Ends the run's transaction, keeping what was stored.
   void commitStored();
-  void logSqlError(const QString& statement);
   void sendData(const QString& text);
   void countMessage();
   void listStoredMessages();
@@ -106,6 +108,9 @@ class StoreRun : public QObject {
   const QString domailPath_;
   StoreLog storeLog_;
   StorePaths paths_;
+  StoreTransaction transaction_;
+  // Commits what a tool that pauses has left stored, between its messages.
+  QTimer commitTimer_;
   std::unique_ptr<EmailStore> store_;
   std::unique_ptr<RecordReader> reader_;
   QPointer<QProcess> parserTask_;

@@ -203,6 +203,25 @@ TEST_F(StoreRunChecksTest, TheToolGetsItsArgumentsAndEveryAnnouncementAnAnswer) 
   EXPECT_EQ(recordedArguments().at(7), "0");
 }
 
+// While the tool pauses after a message (a large mail file, another mailbox to find), the
+// message is committed once the interval's time is over; the tool sees it from outside.
+TEST_F(StoreRunChecksTest, AMessageStoredBeforeAPauseOfTheToolIsCommittedDuringIt) {
+  const QString tool = dir.filePath(QStringLiteral("pausing.sh"));
+  ASSERT_TRUE(test::writeFile(tool, R"(#!/bin/bash
+base="${1%.log}"
+printf 'FROM:Ann\nSUBJECT:Before the pause\nBODY:b\nENDOFBODY:\nENDOFEMAIL:\n' > "$base.tmp"
+printf 'RAW:\nsource\nENDOFRAW:\n' > "$base.raw"
+printf '/mail/one\nBefore the pause'
+IFS= read -r -n 9 answer || exit 0
+sleep 1
+sqlite3 "$base" 'SELECT count(*) FROM email' > "$base.seen"
+)",
+                              true));
+  makeRun(tool, {1000, 500});
+  storeMbox({QStringLiteral("/in.mbox")});
+  EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".seen")), "1\n");
+}
+
 TEST(StoreSummaryTest, TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByName) {
   QTemporaryDir dir;
   const QString log = dir.filePath(QStringLiteral("run.log"));

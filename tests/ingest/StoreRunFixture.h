@@ -44,9 +44,10 @@ class StoreRunFixture : public ::testing::Test {
   }
 
   // A new run with this tool, and a new preparation for it.
-  void makeRun(const QString& tool) {
+  void makeRun(const QString& tool, CommitInterval interval = {}) {
     preparation.reset();
-    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool);
+    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool,
+                                     interval);
     preparation = std::make_unique<StorePreparation>(archive, dialogs, counters, *run);
   }
 
