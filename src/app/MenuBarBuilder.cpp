@@ -123,15 +123,4 @@ QHash<QString, QAction*> MenuBarBuilder::build(QMenuBar* bar,
   return actions;
 }
 
-QStringList MenuBarBuilder::actionNames() {
-  QStringList names;
-  for (const Menu& menu : menus()) {
-    for (const Item& item : menu.items) {
-      if (item.action != nullptr)
-        names.append(QString::fromUtf8(item.action));
-    }
-  }
-  return names;
-}
-
 }  // namespace quillery::app

@@ -18,8 +18,6 @@ class MenuBarBuilder {
  public:
   // Fills the bar and returns its actions by name.
   static QHash<QString, QAction*> build(QMenuBar* bar, const std::function<void(QAction*)>& bind);
-  // The names of all actions in menu order.
-  static QStringList actionNames();
 };
 
 }  // namespace quillery::app

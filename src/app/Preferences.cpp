@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 
+#include "app/ListFont.h"
 #include "app/SetupPanel.h"
 #include "ingest/MailSources.h"
 #include "ingest/StorePaths.h"
@@ -26,9 +27,10 @@ int stateOf(const QCheckBox* check) {
 
 }  // namespace
 
-Preferences::Preferences(SetupPanel& panel, StoredPreferences& values, ingest::MailSources& sources,
-                         search::CategoryList& categories, platform::Settings& settings,
-                         platform::Dialogs& dialogs, QString homeDir, QObject* parent)
+Preferences::Preferences(SetupPanel& panel, prefs::StoredPreferences& values,
+                         ingest::MailSources& sources, search::CategoryList& categories,
+                         platform::Settings& settings, platform::Dialogs& dialogs, QString homeDir,
+                         QObject* parent)
     : QObject(parent),
       panel_(panel),
       values_(values),
@@ -38,26 +40,31 @@ Preferences::Preferences(SetupPanel& panel, StoredPreferences& values, ingest::M
       dialogs_(dialogs),
       homeDir_(std::move(homeDir)) {
   connect(panel_.selectMboxButton, &QComboBox::activated, this, &Preferences::selectMailboxes);
+  connect(panel_.dbPath, &QLineEdit::textEdited, this,
+          [this](const QString& text) { values_.dbPath = text; });
 }
 
-QString Preferences::dbPath() const {
-  return panel_.dbPath->text();
+void Preferences::showDbPath(const QString& path) {
+  values_.dbPath = path;
+  panel_.dbPath->setText(path);
 }
 
 void Preferences::getPrefs() {
-  if (settings_.contains(QStringLiteral("dbPath")))
-    panel_.dbPath->setText(settings_.value(QStringLiteral("dbPath")).toString());
-  if (panel_.dbPath->text().isEmpty())
+  values_.readDbPath(settings_);
+  showDbPath(values_.dbPath);
+  if (values_.dbPath.isEmpty())
     firstRun();
 
   values_.read(settings_);
+  // A stored font whose family has gone is stored as the default font at the next save.
+  values_.currentFont = ListFont::describe(ListFont::toFont(values_.currentFont));
   // The check boxes show the switches, or the next save (at quit at the latest) would store
   // whatever they happened to show.
   setChecked(panel_.attachCheck, values_.attachState);
   setChecked(panel_.htmlCheck, values_.htmlState);
   setChecked(panel_.origCheck, values_.origState);
 
-  categories_.categoryList = StoredPreferences::storedCategories(settings_);
+  categories_.categoryList = prefs::StoredPreferences::storedCategories(settings_);
   if (categories_.categoryList.size() < 2)
     readCategories();
   else
@@ -72,13 +79,13 @@ void Preferences::getPrefs() {
 }
 
 void Preferences::firstRun() {
-  panel_.dbPath->setText(defaultDbPath());
+  showDbPath(defaultDbPath());
   panel_.showSources(sources_.sourceList, sources_.listMailAccounts(values_.accountList));
   panel_.selectAllRows();
   panel_.attachCheck->setChecked(true);
   panel_.htmlCheck->setChecked(true);
   panel_.origCheck->setChecked(true);
-  values_.currentFont = StoredPreferences::defaultFont();
+  values_.currentFont = prefs::StoredPreferences::defaultFont();
   savePreferences();
 }
 
@@ -132,10 +139,10 @@ void Preferences::savePreferences() {
   values_.trashState = stateOf(panel_.trashCheck);
   values_.origState = stateOf(panel_.origCheck);
 
-  if (panel_.dbPath->text().isEmpty())
-    panel_.dbPath->setText(defaultDbPath());
+  if (values_.dbPath.isEmpty())
+    showDbPath(defaultDbPath());
 
-  values_.write(settings_, dbPath(), categories_.categoryList);
+  values_.write(settings_, categories_.categoryList);
   // Hidden, not closed: closing a dialog rejects it, and rejecting the panel cancels it.
   panel_.hide();
   Q_EMIT switchesApplied();
@@ -192,7 +199,7 @@ void Preferences::openDbPath() {
 }
 
 void Preferences::setDbPath(const QString& path) {
-  panel_.dbPath->setText(path);
+  showDbPath(path);
   savePreferences();
 }
 

@@ -3,7 +3,7 @@
 #include <QObject>
 #include <QString>
 
-#include "app/StoredPreferences.h"
+#include "prefs/StoredPreferences.h"
 
 namespace quillery::ingest {
 class MailSources;
@@ -22,13 +22,15 @@ class SetupPanel;
 
 // The preferences at work: reading them at start and on cancel into the run-time state and
 // the setup panel, saving them from the panel, the choice between accounts and mailboxes, and
-// the two ways of naming the archive file. The run-time values are `values`; the archive path
-// is the setup panel's dbPath field. Windows outside the setup panel follow the signals.
+// the two ways of naming the archive file. The run-time values are `values`, the archive path
+// among them; the setup panel's dbPath field shows it, and what the user types there is the
+// archive path at once, as every action that opens the archive reads it. Windows outside the
+// setup panel follow the signals.
 class Preferences : public QObject {
   Q_OBJECT
 
  public:
-  Preferences(SetupPanel& panel, StoredPreferences& values, ingest::MailSources& sources,
+  Preferences(SetupPanel& panel, prefs::StoredPreferences& values, ingest::MailSources& sources,
               search::CategoryList& categories, platform::Settings& settings,
               platform::Dialogs& dialogs, QString homeDir, QObject* parent = nullptr);
 
@@ -56,8 +58,8 @@ class Preferences : public QObject {
   void openDbPath();
   // Takes this path as the archive path and saves the preferences.
   void setDbPath(const QString& path);
-  QString dbPath() const;
-  QString defaultDbPath() const { return homeDir_ + QStringLiteral("/Desktop/myemaildb"); }
+  const QString& dbPath() const { return values_.dbPath; }
+  QString defaultDbPath() const { return prefs::StoredPreferences::defaultDbPath(homeDir_); }
 
   // While a store run uses the archive's ".tmp" file, the mailbox listing (which writes that
   // file) is not run: the table shows the mailboxes chosen before, all selected.
@@ -77,9 +79,10 @@ class Preferences : public QObject {
   void showModeTitle();
   void refillSources();
   void readCategories();
+  void showDbPath(const QString& path);
 
   SetupPanel& panel_;
-  StoredPreferences& values_;
+  prefs::StoredPreferences& values_;
   ingest::MailSources& sources_;
   search::CategoryList& categories_;
   platform::Settings& settings_;

@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "app/BusyIndicator.h"
+#include "app/StorePanel.h"
 
 namespace quillery::app {
 
@@ -13,39 +14,26 @@ namespace {
 constexpr int kMinRepaintMs = 30;
 }
 
-ProgressPanel::ProgressPanel(QWidget* parent)
+ProgressPanel::ProgressPanel(StorePanel& runControls, QWidget* parent)
     : QDialog(parent),
       indicator(new BusyIndicator(this)),
       titleTextField(new QLabel(this)),
-      progressTextField(new QLabel(this)),
-      parseFileTextField(new QLabel(this)),
-      parseCancelButton(new QPushButton(tr("Cancel"), this)) {
+      countTextField(new QLabel(this)),
+      runControls_(runControls) {
   setObjectName(QStringLiteral("ProgressPanel"));
   setModal(false);
   QFont bold = titleTextField->font();
   bold.setBold(true);
   titleTextField->setFont(bold);
-  parseFileTextField->setWordWrap(true);
-  parseFileTextField->setTextInteractionFlags(Qt::TextSelectableByMouse);
-  parseFileTextField->setMinimumHeight(fontMetrics().lineSpacing() * 2);
-  progressTextField->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000000")));
+  countTextField->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000000")));
 
   auto* countRow = new QHBoxLayout;
   countRow->addWidget(indicator, 1);
-  countRow->addWidget(progressTextField);
-  auto* buttonRow = new QHBoxLayout;
-  buttonRow->addStretch(1);
-  buttonRow->addWidget(parseCancelButton);
+  countRow->addWidget(countTextField);
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(titleTextField);
   layout->addLayout(countRow);
-  layout->addWidget(parseFileTextField);
-  layout->addLayout(buttonRow);
   setMinimumWidth(420);
-
-  parseFileTextField->hide();
-  parseCancelButton->hide();
-  connect(parseCancelButton, &QPushButton::clicked, this, &ProgressPanel::cancelRequested);
 }
 
 void ProgressPanel::open(const QString& title) {
@@ -65,21 +53,22 @@ void ProgressPanel::setTitle(const QString& title) {
 }
 
 void ProgressPanel::showCount(const QString& text) {
-  progressTextField->setText(text);
+  countTextField->setText(text);
+  runControls_.progressTextField->setText(text);
   repaintNow();
 }
 
 void ProgressPanel::showItem(const QString& text) {
-  parseFileTextField->setText(text);
+  runControls_.parseFileTextField->setText(text);
   repaintNow();
 }
 
 void ProgressPanel::setRunControlsVisible(bool visible, RunControls which) {
-  progressTextField->setVisible(visible);
+  runControls_.progressTextField->setVisible(visible);
   if (which != RunControls::Count)
-    parseFileTextField->setVisible(visible);
+    runControls_.parseFileTextField->setVisible(visible);
   if (which == RunControls::All)
-    parseCancelButton->setVisible(visible);
+    runControls_.parseCancelButton->setVisible(visible);
 }
 
 void ProgressPanel::close() {
@@ -92,14 +81,19 @@ void ProgressPanel::hideEvent(QHideEvent* event) {
 }
 
 void ProgressPanel::repaintNow() {
-  if (!isVisible())
-    return;
-  if (lastRepaint_.isValid() && lastRepaint_.elapsed() < kMinRepaintMs) {
-    update();
-    return;
+  const bool soon = lastRepaint_.isValid() && lastRepaint_.elapsed() < kMinRepaintMs;
+  const QList<QWidget*> shown{this, runControls_.progressTextField,
+                              runControls_.parseFileTextField};
+  for (QWidget* widget : shown) {
+    if (!widget->isVisible())
+      continue;
+    if (soon)
+      widget->update();
+    else
+      widget->repaint();
   }
-  repaint();
-  lastRepaint_.start();
+  if (!soon)
+    lastRepaint_.start();
 }
 
 }  // namespace quillery::app

@@ -11,17 +11,21 @@ class QPushButton;
 namespace quillery::app {
 
 class BusyIndicator;
+class StorePanel;
 
-// The progress panel of long operations: a title, the moving indicator, the count and, during
-// a store run, the message being stored and a cancel button. Work runs on the main thread, so
-// every change is painted at once rather than when the event loop next runs; repaints closer
-// together than a frame are left to the event loop, which keeps a list of a hundred thousand
-// rows from spending its time on painting. The cancel button only emits cancelRequested.
+// The progress of long operations: a panel with a title, the moving indicator and the count,
+// and the run controls of the store panel (the count, the message being stored and the
+// cancel button), which stay in the main window when the panel is closed. Work runs on the
+// main thread, so every change is painted at once rather than when the event loop next runs;
+// repaints closer together than a frame are left to the event loop, which keeps a list of a
+// hundred thousand rows from spending its time on painting.
 class ProgressPanel : public QDialog, public platform::Progress {
   Q_OBJECT
 
  public:
-  explicit ProgressPanel(QWidget* parent = nullptr);
+  // The store panel's progressTextField, parseFileTextField and parseCancelButton are the
+  // run controls that showCount, showItem and setRunControlsVisible drive.
+  ProgressPanel(StorePanel& runControls, QWidget* parent = nullptr);
 
   // The dialog's own open() stays reachable beside the port's open(title).
   using QDialog::open;
@@ -35,12 +39,8 @@ class ProgressPanel : public QDialog, public platform::Progress {
 
   BusyIndicator* indicator;
   QLabel* titleTextField;
-  QLabel* progressTextField;
-  QLabel* parseFileTextField;
-  QPushButton* parseCancelButton;
-
- Q_SIGNALS:
-  void cancelRequested();
+  // The panel's own copy of the count, shown whatever the run controls show.
+  QLabel* countTextField;
 
  protected:
   // However the panel goes away (close(), Escape, the window's close box), the indicator stops.
@@ -48,6 +48,8 @@ class ProgressPanel : public QDialog, public platform::Progress {
 
  private:
   void repaintNow();
+
+  StorePanel& runControls_;
 
   QElapsedTimer lastRepaint_;
 };

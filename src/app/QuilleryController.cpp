@@ -16,13 +16,18 @@
 #include <QTextBrowser>
 #include <QUuid>
 
+#include "app/ExportBinding.h"
 #include "app/HtmlWindow.h"
 #include "app/IdPanel.h"
+#include "app/ListFont.h"
 #include "app/MainWindow.h"
+#include "app/MaintenanceBinding.h"
 #include "app/MenuBarBuilder.h"
+#include "app/MessageViewBinding.h"
 #include "app/OrigWindow.h"
 #include "app/Preferences.h"
 #include "app/ProgressPanel.h"
+#include "app/SearchBinding.h"
 #include "app/SearchPanel.h"
 #include "app/SetupPanel.h"
 #include "app/SqlPanel.h"
@@ -61,7 +66,6 @@ void addItemsWithTitles(QComboBox* popUp, const QStringList& titles) {
 
 QuilleryController::QuilleryController(AppPorts ports, const QString& toolsDir, QObject* parent)
     : QObject(parent),
-      userName(qEnvironmentVariable("USER")),
       homeDir(qEnvironmentVariable("HOME")),
       archive(ports.dialogs, ports.files),
       categories(archive),
@@ -77,6 +81,17 @@ QuilleryController::QuilleryController(AppPorts ports, const QString& toolsDir, 
   preferences_ = std::make_unique<Preferences>(*prefPanel, prefs, mailSources, categories,
                                                ports_.settings, ports_.dialogs, homeDir);
   frames_ = std::make_unique<WindowFrames>(ports_.settings);
+  context_ = std::make_unique<AppContext>(
+      AppContext{ports_, archive, *resultList_, categories, prefs, *preferences_, tempDir,
+                 *msWindow, *storePanel, *retrievePanel, *tagPanel, *SQLPanel, *IdPanel,
+                 *ProgressPanel, *origWindow, *myHtmlWindow, [this](const char* action) {
+                   const QAction* item = menuActions.value(QLatin1String(action));
+                   notYetAvailable(item ? item->text() : QLatin1String(action));
+                 }});
+  searchBinding_ = std::make_unique<SearchBinding>(*context_);
+  messageBinding_ = std::make_unique<MessageViewBinding>(*context_);
+  exportBinding_ = std::make_unique<ExportBinding>(*context_);
+  maintenanceBinding_ = std::make_unique<MaintenanceBinding>(*context_);
   storeBinding_ = std::make_unique<StorePanelBinding>(*msWindow, *storeDatePanel, *SQLPanel,
                                                       *resultList_, *storePreparation_, *storeRun_);
   connect(storeBinding_.get(), &StorePanelBinding::listFontWanted, this,
@@ -87,7 +102,11 @@ QuilleryController::QuilleryController(AppPorts ports, const QString& toolsDir, 
 }
 
 QuilleryController::~QuilleryController() {
-  // The windows go first: the table's model reads the result list until it is gone.
+  // The bindings and windows go first: they read the shared objects until they are gone.
+  maintenanceBinding_.reset();
+  exportBinding_.reset();
+  messageBinding_.reset();
+  searchBinding_.reset();
   storeBinding_.reset();
   mainWindow_.reset();
 }
@@ -102,7 +121,7 @@ void QuilleryController::buildInterface() {
   tagPanel = new TagPanel(msWindow);
   SQLPanel = new SqlPanel(msWindow);
   IdPanel = new app::IdPanel(msWindow);
-  ProgressPanel = new app::ProgressPanel(msWindow);
+  ProgressPanel = new app::ProgressPanel(*storePanel, msWindow);
   origWindow = new OrigWindow(msWindow);
   myHtmlWindow = new HtmlWindow(msWindow);
 
@@ -146,8 +165,7 @@ void QuilleryController::bindPanels() {
           &QuilleryController::parseEmail);
   connect(storeDatePanel->cancelButton, &QPushButton::clicked, this,
           &QuilleryController::cancelStore);
-  connect(ProgressPanel, &app::ProgressPanel::cancelRequested, this,
-          &QuilleryController::cancelParse);
+  connect(storePanel, &StorePanel::cancelRequested, this, &QuilleryController::cancelParse);
 
   resultList_->onlyAttachCheck = retrievePanel->onlyAttachCheck->isChecked();
   connect(retrievePanel->onlyAttachCheck, &QCheckBox::toggled, this,
@@ -162,24 +180,24 @@ void QuilleryController::bindPanels() {
   connect(preferences_.get(), &Preferences::listFontApplied, this,
           &QuilleryController::applyListFont);
 
-  // Buttons of actions that later versions bring answer as their menu items do.
-  const QList<QPair<QPushButton*, const char*>> pending{
-      {retrievePanel->searchButton, "retrieveEmails"},
-      {retrievePanel->browseButton, "browseDatabase"},
-      {retrievePanel->resetButton, "resetRetrieve"},
-      {retrievePanel->resetTagsButton, "resetTagSearch"},
-      {retrievePanel->sqlButton, "editSqlString"},
-      {tagPanel->setTagsButton, "addTags"},
-      {SQLPanel->runButton, "makeSQLString"},
-      {SQLPanel->schemaButton, "showSchema"},
-      {IdPanel->okButton, "gotID"},
-      {IdPanel->cancelButton, "cancelID"},
-      {storePanel->viewOrigButton, "viewOrig"}};
-  for (const auto& item : pending) {
-    QPushButton* button = item.first;
-    connect(button, &QPushButton::clicked, this,
-            [this, button] { notYetAvailable(button->text()); });
-  }
+  bindAreaButtons();
+}
+
+void QuilleryController::bindAreaButtons() {
+  const QList<QPair<QPushButton*, ActionSlot>> buttons{
+      {retrievePanel->searchButton, &QuilleryController::retrieveEmails},
+      {retrievePanel->browseButton, &QuilleryController::browseDatabase},
+      {retrievePanel->resetButton, &QuilleryController::resetRetrieve},
+      {retrievePanel->resetTagsButton, &QuilleryController::resetTagSearch},
+      {retrievePanel->sqlButton, &QuilleryController::editSqlString},
+      {tagPanel->setTagsButton, &QuilleryController::addTags},
+      {SQLPanel->runButton, &QuilleryController::makeSQLString},
+      {SQLPanel->schemaButton, &QuilleryController::showSchema},
+      {IdPanel->okButton, &QuilleryController::gotID},
+      {IdPanel->cancelButton, &QuilleryController::cancelID},
+      {storePanel->viewOrigButton, &QuilleryController::viewOrig}};
+  for (const auto& [button, slot] : buttons)
+    connect(button, &QPushButton::clicked, this, slot);
 }
 
 void QuilleryController::awakeFromNib() {
@@ -189,8 +207,8 @@ void QuilleryController::awakeFromNib() {
   frames_->setColumnAutosaveName(storePanel->storeTableView->horizontalHeader(),
                                  QStringLiteral("storeTableView"));
   applyListFont();
-  storePanel->bodyTextView->setFont(prefs.currentFont);
-  origWindow->origTextView->setFont(prefs.currentFont);
+  storePanel->bodyTextView->setFont(currentFont());
+  origWindow->origTextView->setFont(currentFont());
 
   tempDir = QDir::tempPath() + QStringLiteral("/quillery_") +
             QUuid::createUuid().toString(QUuid::WithoutBraces);
@@ -206,10 +224,6 @@ void QuilleryController::awakeFromNib() {
     frames_->setFrameAutosaveName(window, QLatin1String(name));
   // The store panel fills the main window; what it keeps is its division of list and text.
   frames_->setSplitterAutosaveName(storePanel->splitter, QStringLiteral("storePanel"));
-}
-
-QString QuilleryController::dbPath() const {
-  return preferences_->dbPath();
 }
 
 bool QuilleryController::applicationOpenFile(const QString& path) {
@@ -252,17 +266,16 @@ void QuilleryController::doProgressCount(int count, int step) {
   ProgressPanel->doProgressCount(count, step);
 }
 
-void QuilleryController::setFont(const QFont& font) {
-  storePanel->storeTableView->setFont(font);
-  storePanel->storeTableView->viewport()->update();
+QFont QuilleryController::currentFont() const {
+  return ListFont::toFont(prefs.currentFont);
 }
 
 void QuilleryController::applyListFont() {
-  storePanel->applyListFont(prefs.currentFont);
+  storePanel->applyListFont(currentFont());
 }
 
 void QuilleryController::changeFont(const QFont& font) {
-  prefs.currentFont = font;
+  prefs.currentFont = ListFont::describe(font);
   storePanel->bodyTextView->setFont(font);
   applyListFont();
   origWindow->origTextView->setFont(font);
@@ -274,21 +287,59 @@ void QuilleryController::defaultFont() {
     fontPanel_->setWindowTitle(tr("List Font"));
     connect(fontPanel_, &QFontDialog::fontSelected, this, &QuilleryController::changeFont);
   }
-  fontPanel_->setCurrentFont(prefs.currentFont);
+  fontPanel_->setCurrentFont(currentFont());
   fontPanel_->show();
   fontPanel_->raise();
   fontPanel_->activateWindow();
 }
 
-void QuilleryController::getPath() {
-  platform::SavePanel panel;
-  panel.canCreateDirectories = true;
-  savePath = ports_.dialogs.runSavePanel(panel);
-}
-
 void QuilleryController::addCategoriesToPopUps() {
   addItemsWithTitles(retrievePanel->searchCatButton, categories.categoryList);
   addItemsWithTitles(tagPanel->setCatButton, categories.categoryList);
+}
+
+const QHash<QString, QuilleryController::ActionSlot>& QuilleryController::actionSlots() {
+  using C = QuilleryController;
+  static const QHash<QString, ActionSlot> kSlots{
+      {QStringLiteral("newDbPath"), &C::newDbPath},
+      {QStringLiteral("openDbPath"), &C::openDbPath},
+      {QStringLiteral("openMbox"), &C::openMbox},
+      {QStringLiteral("convertDBFormat"), &C::convertDBFormat},
+      {QStringLiteral("performClose"), &C::performClose},
+      {QStringLiteral("terminate"), &C::terminate},
+      {QStringLiteral("deleteFromList"), &C::deleteFromList},
+      {QStringLiteral("deleteSelected"), &C::deleteSelected},
+      {QStringLiteral("deleteAll"), &C::deleteAll},
+      {QStringLiteral("deleteAttachments"), &C::deleteAttachments},
+      {QStringLiteral("tagEmail"), &C::tagEmail},
+      {QStringLiteral("viewOrig"), &C::viewOrig},
+      {QStringLiteral("replyToEmail"), &C::replyToEmail},
+      {QStringLiteral("defaultFont"), &C::defaultFont},
+      {QStringLiteral("doPrefPanel"), &C::doPrefPanel},
+      {QStringLiteral("retrieveFromDB"), &C::retrieveFromDB},
+      {QStringLiteral("browseDatabase"), &C::browseDatabase},
+      {QStringLiteral("editSqlString"), &C::editSqlString},
+      {QStringLiteral("showSchema"), &C::showSchema},
+      {QStringLiteral("setStoreDate"), &C::setStoreDate},
+      {QStringLiteral("backupDB"), &C::backupDB},
+      {QStringLiteral("restoreDB"), &C::restoreDB},
+      {QStringLiteral("compactDB"), &C::compactDB},
+      {QStringLiteral("mergeDB"), &C::mergeDB},
+      {QStringLiteral("exportMbox"), &C::exportMbox},
+      {QStringLiteral("exportSQL"), &C::exportSQL},
+      {QStringLiteral("exportDb"), &C::exportDb},
+      {QStringLiteral("exportTab"), &C::exportTab},
+      {QStringLiteral("saveSelected"), &C::saveSelected},
+      {QStringLiteral("saveAll"), &C::saveAll},
+      {QStringLiteral("saveList"), &C::saveList},
+      {QStringLiteral("saveOrigSelected"), &C::saveOrigSelected},
+      {QStringLiteral("saveOrigAll"), &C::saveOrigAll},
+      {QStringLiteral("printSelected"), &C::printSelected},
+      {QStringLiteral("printAll"), &C::printAll},
+      {QStringLiteral("performMiniaturize"), &C::performMiniaturize},
+      {QStringLiteral("about"), &C::about},
+  };
+  return kSlots;
 }
 
 void QuilleryController::perform(QAction* item) {
@@ -297,9 +348,8 @@ void QuilleryController::perform(QAction* item) {
     orderFront(name.mid(7));
     return;
   }
-  const QByteArray slot = name.toLatin1();
-  if (metaObject()->indexOfSlot(slot + "()") >= 0) {
-    QMetaObject::invokeMethod(this, slot.constData());
+  if (const ActionSlot slot = actionSlots().value(name)) {
+    (this->*slot)();
     return;
   }
   // The edit commands belong to whatever text the user is working in.
@@ -308,7 +358,7 @@ void QuilleryController::perform(QAction* item) {
                                          QStringLiteral("paste"), QStringLiteral("selectAll")};
   if (kEditCommands.contains(name)) {
     if (QWidget* focus = QApplication::focusWidget())
-      QMetaObject::invokeMethod(focus, slot.constData());
+      QMetaObject::invokeMethod(focus, name.toLatin1().constData());
     return;
   }
   notYetAvailable(item->text());
@@ -390,6 +440,138 @@ void QuilleryController::cancelParse() {
 
 void QuilleryController::deleteFromList() {
   resultList_->deleteFromList(storePanel->selectedDisplayRows());
+}
+
+void QuilleryController::retrieveFromDB() {
+  searchBinding_->retrieveFromDB();
+}
+
+void QuilleryController::retrieveEmails() {
+  searchBinding_->retrieveEmails();
+}
+
+void QuilleryController::browseDatabase() {
+  searchBinding_->browseDatabase();
+}
+
+void QuilleryController::resetRetrieve() {
+  searchBinding_->resetRetrieve();
+}
+
+void QuilleryController::resetTagSearch() {
+  searchBinding_->resetTagSearch();
+}
+
+void QuilleryController::editSqlString() {
+  searchBinding_->editSqlString();
+}
+
+void QuilleryController::makeSQLString() {
+  searchBinding_->makeSQLString();
+}
+
+void QuilleryController::showSchema() {
+  searchBinding_->showSchema();
+}
+
+void QuilleryController::deleteSelected() {
+  searchBinding_->deleteSelected();
+}
+
+void QuilleryController::deleteAll() {
+  searchBinding_->deleteAll();
+}
+
+void QuilleryController::deleteAttachments() {
+  searchBinding_->deleteAttachments();
+}
+
+void QuilleryController::viewOrig() {
+  messageBinding_->viewOrig();
+}
+
+void QuilleryController::replyToEmail() {
+  messageBinding_->replyToEmail();
+}
+
+void QuilleryController::tagEmail() {
+  messageBinding_->tagEmail();
+}
+
+void QuilleryController::addTags() {
+  messageBinding_->addTags();
+}
+
+void QuilleryController::exportMbox() {
+  exportBinding_->exportMbox();
+}
+
+void QuilleryController::exportSQL() {
+  exportBinding_->exportSQL();
+}
+
+void QuilleryController::exportDb() {
+  exportBinding_->exportDb();
+}
+
+void QuilleryController::exportTab() {
+  exportBinding_->exportTab();
+}
+
+void QuilleryController::gotID() {
+  exportBinding_->gotID();
+}
+
+void QuilleryController::cancelID() {
+  exportBinding_->cancelID();
+}
+
+void QuilleryController::saveSelected() {
+  exportBinding_->saveSelected();
+}
+
+void QuilleryController::saveAll() {
+  exportBinding_->saveAll();
+}
+
+void QuilleryController::saveList() {
+  exportBinding_->saveList();
+}
+
+void QuilleryController::saveOrigSelected() {
+  exportBinding_->saveOrigSelected();
+}
+
+void QuilleryController::saveOrigAll() {
+  exportBinding_->saveOrigAll();
+}
+
+void QuilleryController::printSelected() {
+  exportBinding_->printSelected();
+}
+
+void QuilleryController::printAll() {
+  exportBinding_->printAll();
+}
+
+void QuilleryController::backupDB() {
+  maintenanceBinding_->backupDB();
+}
+
+void QuilleryController::restoreDB() {
+  maintenanceBinding_->restoreDB();
+}
+
+void QuilleryController::compactDB() {
+  maintenanceBinding_->compactDB();
+}
+
+void QuilleryController::convertDBFormat() {
+  maintenanceBinding_->convertDBFormat();
+}
+
+void QuilleryController::mergeDB() {
+  maintenanceBinding_->mergeDB();
 }
 
 void QuilleryController::resetAll() {

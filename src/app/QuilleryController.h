@@ -6,24 +6,18 @@
 #include <QString>
 #include <memory>
 
-#include "app/StoredPreferences.h"
+#include "app/AppContext.h"
 #include "archive/Archive.h"
 #include "ingest/CurrentMessage.h"
 #include "ingest/MailSources.h"
 #include "ingest/StoreRunCounters.h"
+#include "prefs/StoredPreferences.h"
 #include "search/CategoryList.h"
 
 class QAction;
 class QComboBox;
 class QFontDialog;
 
-namespace quillery::platform {
-class Dialogs;
-class Files;
-class Pasteboard;
-class Settings;
-class Workspace;
-}  // namespace quillery::platform
 namespace quillery::ingest {
 class StorePreparation;
 class StoreRun;
@@ -34,12 +28,16 @@ class ResultList;
 
 namespace quillery::app {
 
+class ExportBinding;
 class HtmlWindow;
 class IdPanel;
 class MainWindow;
+class MaintenanceBinding;
+class MessageViewBinding;
 class OrigWindow;
 class Preferences;
 class ProgressPanel;
+class SearchBinding;
 class SearchPanel;
 class SetupPanel;
 class SqlPanel;
@@ -49,27 +47,21 @@ class StorePanelBinding;
 class TagPanel;
 class WindowFrames;
 
-// The desktop ports the application works through; a test hands in its fakes.
-struct AppPorts {
-  platform::Dialogs& dialogs;
-  platform::Settings& settings;
-  platform::Files& files;
-  platform::Workspace& workspace;
-  platform::Pasteboard& pasteboard;
-};
-
-// The application's one controller: it owns the windows, the shared objects and the feature
-// objects, and carries every user action as a slot of the action's name. Each slot gathers
-// what the user set in the windows and hands it to the feature; the windows follow the
-// features through their signals. Menu items reach the slots by name (perform), so an action
-// without a slot yet answers that it is not yet available.
+// The application's one controller: it owns the windows, the shared objects and, per area of
+// the window, a binding that carries that area's user actions. Every user action is a slot of
+// the action's name; a slot that belongs to an area is one line that calls the binding.
+// Menu items reach the slots through a table of member pointers (actionSlots), so an item
+// without an action cannot be built; an action of a later version answers that it is not yet
+// available.
 class QuilleryController : public QObject {
   Q_OBJECT
 
  public:
-  // Reads "USER" and "HOME", creates the shared objects and builds the windows. Nothing is
-  // read from the preferences and no file is touched. toolsDir holds findmail and domail;
-  // empty means the application's own folder.
+  using ActionSlot = void (QuilleryController::*)();
+
+  // Reads "HOME", creates the shared objects and builds the windows. Nothing is read from the
+  // preferences and no file is touched. toolsDir holds findmail and domail; empty means the
+  // application's own folder.
   explicit QuilleryController(AppPorts ports, const QString& toolsDir = QString(),
                               QObject* parent = nullptr);
   ~QuilleryController() override;
@@ -94,25 +86,24 @@ class QuilleryController : public QObject {
 
   void doProgressPanel(const QString& title);
   void doProgressCount(int count, int step);
-  // The list font on the result table's cells; the table is redrawn.
-  void setFont(const QFont& font);
   // The font panel's choice becomes the list font of the table and the two text views. It is
   // stored with the next save of the preferences.
   void changeFont(const QFont& font);
-  // The shared save prompt: savePath becomes the chosen file, or "" when cancelled.
-  void getPath();
+  // The list font as a font of the desktop.
+  QFont currentFont() const;
 
+  // The slot that each menu action name reaches; items named "window:<name>" bring that
+  // window to the front and the edit commands go to the focused text instead.
+  static const QHash<QString, ActionSlot>& actionSlots();
   // Performs the action a menu item names.
   void perform(QAction* item);
 
-  QString userName;
   QString homeDir;
   QString tempDir;
-  QString savePath;
-  QString dbPath() const;
+  const QString& dbPath() const { return prefs.dbPath; }
 
   archive::Archive archive;
-  StoredPreferences prefs;
+  prefs::StoredPreferences prefs;
   search::CategoryList categories;
   ingest::MailSources mailSources;
   ingest::CurrentMessage message;
@@ -137,8 +128,10 @@ class QuilleryController : public QObject {
   search::ResultList& resultList() { return *resultList_; }
   ingest::StoreRun& storeRun() { return *storeRun_; }
   Preferences& preferences() { return *preferences_; }
+  AppContext& context() { return *context_; }
 
  public Q_SLOTS:
+  // The archive file, the preferences and the store run.
   void newDbPath();
   void openDbPath();
   void doPrefPanel();
@@ -149,8 +142,46 @@ class QuilleryController : public QObject {
   void cancelStore();
   void parseEmail();
   void cancelParse();
-  void deleteFromList();
   void resetAll();
+  void deleteFromList();
+  // Search, the SQL query panel and deletion.
+  void retrieveFromDB();
+  void retrieveEmails();
+  void browseDatabase();
+  void resetRetrieve();
+  void resetTagSearch();
+  void editSqlString();
+  void makeSQLString();
+  void showSchema();
+  void deleteSelected();
+  void deleteAll();
+  void deleteAttachments();
+  // The message view and tags.
+  void viewOrig();
+  void replyToEmail();
+  void tagEmail();
+  void addTags();
+  // Exports, text saves and printing.
+  void exportMbox();
+  void exportSQL();
+  void exportDb();
+  void exportTab();
+  void gotID();
+  void cancelID();
+  void saveSelected();
+  void saveAll();
+  void saveList();
+  void saveOrigSelected();
+  void saveOrigAll();
+  void printSelected();
+  void printAll();
+  // Looking after the archive file.
+  void backupDB();
+  void restoreDB();
+  void compactDB();
+  void convertDBFormat();
+  void mergeDB();
+  // The application.
   void defaultFont();
   void performClose();
   void performMiniaturize();
@@ -164,6 +195,7 @@ class QuilleryController : public QObject {
  private:
   void buildInterface();
   void bindPanels();
+  void bindAreaButtons();
   void applyListFont();
   void addCategoriesToPopUps();
   void orderFront(const QString& windowName);
@@ -177,7 +209,12 @@ class QuilleryController : public QObject {
   std::unique_ptr<ingest::StorePreparation> storePreparation_;
   std::unique_ptr<Preferences> preferences_;
   std::unique_ptr<WindowFrames> frames_;
+  std::unique_ptr<AppContext> context_;
   std::unique_ptr<StorePanelBinding> storeBinding_;
+  std::unique_ptr<SearchBinding> searchBinding_;
+  std::unique_ptr<MessageViewBinding> messageBinding_;
+  std::unique_ptr<ExportBinding> exportBinding_;
+  std::unique_ptr<MaintenanceBinding> maintenanceBinding_;
   QFontDialog* fontPanel_ = nullptr;
 };
 

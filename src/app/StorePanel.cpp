@@ -22,7 +22,10 @@ StorePanel::StorePanel(QWidget* parent)
       viewOrigButton(new QPushButton(tr("View Source"), this)),
       dbCountTextField(new QLabel(this)),
       listCountTextField(new QLabel(this)),
-      splitter(new QSplitter(Qt::Vertical, this)) {
+      splitter(new QSplitter(Qt::Vertical, this)),
+      progressTextField(new QLabel(this)),
+      parseFileTextField(new QLabel(this)),
+      parseCancelButton(new QPushButton(tr("Cancel"), this)) {
   setObjectName(QStringLiteral("storePanel"));
 
   storeTableView->setShowGrid(true);
@@ -55,6 +58,18 @@ StorePanel::StorePanel(QWidget* parent)
   splitter->setStretchFactor(1, 2);
   splitter->setChildrenCollapsible(false);
 
+  parseFileTextField->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  parseFileTextField->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  progressTextField->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000000")));
+  progressTextField->hide();
+  parseFileTextField->hide();
+  parseCancelButton->hide();
+  connect(parseCancelButton, &QPushButton::clicked, this, &StorePanel::cancelRequested);
+  auto* run = new QHBoxLayout;
+  run->addWidget(progressTextField);
+  run->addWidget(parseFileTextField, 1);
+  run->addWidget(parseCancelButton);
+
   auto* counts = new QHBoxLayout;
   counts->addWidget(listCountTextField);
   counts->addStretch(1);
@@ -65,6 +80,7 @@ StorePanel::StorePanel(QWidget* parent)
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(6, 6, 6, 6);
   layout->addWidget(splitter, 1);
+  layout->addLayout(run);
   layout->addLayout(counts);
 }
 

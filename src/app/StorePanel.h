@@ -34,9 +34,17 @@ class StorePanel : public QWidget {
   QLabel* dbCountTextField;
   QLabel* listCountTextField;
   QSplitter* splitter;
+  // The count of long work, and during a store run the message being stored and the run's
+  // cancel button. They stand here rather than in the progress panel so that a store run can
+  // be followed and cancelled even when that panel has been closed. Hidden until shown.
+  QLabel* progressTextField;
+  QLabel* parseFileTextField;
+  QPushButton* parseCancelButton;
 
  Q_SIGNALS:
   void columnClicked(int section);
+  // The run's cancel button was pressed.
+  void cancelRequested();
 };
 
 }  // namespace quillery::app

@@ -105,8 +105,6 @@ class ResultList : public QObject {
   void showCounts();
   // Forgets the rows, their ids and both count texts; the callers tell the views.
   void emptyRows();
-  // Sorts the rows ascending by the comparison named after the column identifier.
-  bool sortBy(const QString& identifier);
 
   archive::Archive& archive_;
   platform::Dialogs& dialogs_;

@@ -160,18 +160,18 @@ TEST_F(PreferencesTest, TheListFontComesBackWithFamilyFaceAndSize) {
     return QStringLiteral("%1|%2|%3").arg(font.family(), font.styleName()).arg(font.pointSizeF());
   };
   QuilleryController& later = restart();
-  EXPECT_EQ(described(later.prefs.currentFont), "DejaVu Sans|Bold|13.5");
+  EXPECT_EQ(described(later.currentFont()), "DejaVu Sans|Bold|13.5");
   QTableView* table = later.storePanel->storeTableView;
   EXPECT_EQ(table->font().family(), family);
   EXPECT_EQ(table->verticalHeader()->defaultSectionSize(),
-            qCeil(QFontMetricsF(later.prefs.currentFont).lineSpacing()) + 2);
+            qCeil(QFontMetricsF(later.currentFont()).lineSpacing()) + 2);
 
   // A font that is no longer installed gives the default.
   quit();
   settings->setValue(
       QStringLiteral("panelFont"),
       QVariantMap{{"family", "No Such Font Family"}, {"face", "Regular"}, {"size", 12.0}});
-  EXPECT_EQ(described(start().prefs.currentFont), "Lucida Grande||10");
+  EXPECT_EQ(described(start().currentFont()), "Lucida Grande||10");
 }
 
 TEST_F(PreferencesTest, SwitchingModeAndSavingReplacesOnlyThatModesList) {

@@ -152,7 +152,7 @@ TEST_F(StoreWindowsTest, AnMboxRunFromTheWindowListsSortsAndRemovesWhatItStored)
   EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");
   EXPECT_TRUE(dialogs.alerts.last().message.startsWith(QStringLiteral("Parsed: 4\n")))
       << dialogs.alerts.last().message.toStdString();
-  EXPECT_FALSE(app.ProgressPanel->isVisible() || app.ProgressPanel->parseCancelButton->isVisible());
+  EXPECT_FALSE(app.ProgressPanel->isVisible() || app.storePanel->parseCancelButton->isVisible());
   EXPECT_EQ(app.storePanel->windowTitle(), QStringLiteral("done storing email in ") + app.dbPath());
   EXPECT_TRUE(app.msWindow->windowTitle().startsWith(app.storePanel->windowTitle()));
   EXPECT_EQ(app.storePanel->listCountTextField->text(), "4 emails in this list.");
@@ -249,8 +249,13 @@ TEST_F(StoreWindowsTest, CancelAndQuitBothStopAToolThatWouldRunOnAndQuittingKeep
   QTest::mouseClick(app.storeDatePanel->storeButton, Qt::LeftButton);
   ASSERT_TRUE(app.storeRun().isRunning());
   EXPECT_TRUE(app.ProgressPanel->isVisible());
-  ASSERT_TRUE(app.ProgressPanel->parseCancelButton->isVisible());
-  QTest::mouseClick(app.ProgressPanel->parseCancelButton, Qt::LeftButton);
+  // Closed with Escape, the progress panel leaves the run's count and Cancel in the main window.
+  app.msWindow->show();
+  QTest::keyClick(app.ProgressPanel, Qt::Key_Escape);
+  EXPECT_FALSE(app.ProgressPanel->isVisible());
+  EXPECT_TRUE(app.storePanel->progressTextField->isVisible());
+  ASSERT_TRUE(app.storePanel->parseCancelButton->isVisible());
+  QTest::mouseClick(app.storePanel->parseCancelButton, Qt::LeftButton);
   ASSERT_TRUE(finished.wait(30000)) << "the cancelled tool was not stopped";
   EXPECT_FALSE(app.storeRun().isRunning());
   EXPECT_EQ(dialogs.alerts.last().title, "Done Storing Email");

@@ -9,8 +9,9 @@
 
 namespace quillery::test {
 
-// A scripted Dialogs: alerts are answered from a queue of button indexes (0, the default
-// button, when the queue is empty), panels from queues of paths (cancel when empty). Every
+// A scripted Dialogs: alerts are answered from a queue of button indexes (defaultAnswer, the
+// default button 0 unless changed, when the queue is empty), panels from queues of paths
+// (cancel when empty). Every
 // alert and panel shown is recorded so that a test can assert the exact texts.
 class FakeDialogs : public platform::Dialogs {
  public:
@@ -23,7 +24,7 @@ class FakeDialogs : public platform::Dialogs {
     // A real alert runs an event loop while it is open; a test can do the same here.
     if (whileShown)
       whileShown(alert);
-    return answers_.isEmpty() ? 0 : answers_.dequeue();
+    return answers_.isEmpty() ? defaultAnswer : answers_.dequeue();
   }
   QString runSavePanel(const platform::SavePanel& panel) override {
     savePanels.append(panel);
@@ -43,6 +44,7 @@ class FakeDialogs : public platform::Dialogs {
   }
 
   std::function<void(const platform::Alert&)> whileShown;
+  int defaultAnswer = 0;
   QList<platform::Alert> alerts;
   QList<platform::SavePanel> savePanels;
   QList<platform::OpenPanel> openPanels;

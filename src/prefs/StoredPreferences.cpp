@@ -1,16 +1,15 @@
-#include "app/StoredPreferences.h"
-
-#include <QFontDatabase>
+#include "prefs/StoredPreferences.h"
 
 #include "platform/Settings.h"
 
-namespace quillery::app {
+namespace quillery::prefs {
 
 namespace {
 
 const QString kFamily = QStringLiteral("family");
 const QString kFace = QStringLiteral("face");
 const QString kSize = QStringLiteral("size");
+const QString kDbPath = QStringLiteral("dbPath");
 
 void takeIfNonZero(const platform::Settings& settings, const char* key, int& state) {
   const int stored = settings.value(QLatin1String(key)).toInt();
@@ -18,43 +17,42 @@ void takeIfNonZero(const platform::Settings& settings, const char* key, int& sta
     state = stored;
 }
 
+QVariantMap fontAttributes(const FontDescription& font) {
+  return {{kFamily, font.family}, {kFace, font.face}, {kSize, font.size}};
+}
+
+FontDescription fontFromAttributes(const QVariant& attributes) {
+  const QVariantMap map = attributes.toMap();
+  bool sizeOk = false;
+  const FontDescription font{map.value(kFamily).toString(), map.value(kFace).toString(),
+                             map.value(kSize).toDouble(&sizeOk)};
+  if (font.family.isEmpty() || !sizeOk || font.size <= 0.0)
+    return StoredPreferences::defaultFont();
+  return font;
+}
+
 }  // namespace
 
-QFont StoredPreferences::defaultFont() {
-  QFont font(QStringLiteral("Lucida Grande"));
-  font.setPointSizeF(10.0);
-  return font;
+FontDescription StoredPreferences::defaultFont() {
+  return {QStringLiteral("Lucida Grande"), QString(), 10.0};
 }
 
-QVariantMap StoredPreferences::fontAttributes(const QFont& font) {
-  return {{kFamily, font.family()},
-          {kFace, QFontDatabase::styleString(font)},
-          {kSize, font.pointSizeF()}};
+QString StoredPreferences::defaultDbPath(const QString& homeDir) {
+  return homeDir + QStringLiteral("/Desktop/myemaildb");
 }
 
-QFont StoredPreferences::fontFromAttributes(const QVariant& attributes) {
-  const QVariantMap map = attributes.toMap();
-  const QString family = map.value(kFamily).toString();
-  const QString face = map.value(kFace).toString();
-  bool sizeOk = false;
-  const double size = map.value(kSize).toDouble(&sizeOk);
-  if (family.isEmpty() || !sizeOk || size <= 0.0 || !QFontDatabase::families().contains(family))
-    return defaultFont();
-
-  QFont font(family);
-  font.setPointSizeF(size);
-  if (QFontDatabase::styles(family).contains(face)) {
-    font.setStyleName(face);
-  } else {
-    font.setBold(face.contains(QLatin1String("Bold"), Qt::CaseInsensitive));
-    font.setItalic(face.contains(QLatin1String("Italic"), Qt::CaseInsensitive) ||
-                   face.contains(QLatin1String("Oblique"), Qt::CaseInsensitive));
-  }
-  return font;
+QString StoredPreferences::archivePath(const platform::Settings& settings, const QString& homeDir) {
+  const QString saved = settings.value(kDbPath).toString();
+  return saved.isEmpty() ? defaultDbPath(homeDir) : saved;
 }
 
 QStringList StoredPreferences::storedCategories(const platform::Settings& settings) {
   return settings.value(QStringLiteral("categories")).toStringList();
+}
+
+void StoredPreferences::readDbPath(const platform::Settings& settings) {
+  if (settings.contains(kDbPath))
+    dbPath = settings.value(kDbPath).toString();
 }
 
 void StoredPreferences::read(const platform::Settings& settings) {
@@ -71,10 +69,9 @@ void StoredPreferences::read(const platform::Settings& settings) {
   currentFont = fontFromAttributes(settings.value(QStringLiteral("panelFont")));
 }
 
-void StoredPreferences::write(platform::Settings& settings, const QString& dbPath,
-                              const QStringList& categoryList) const {
+void StoredPreferences::write(platform::Settings& settings, const QStringList& categoryList) const {
   const QVariantMap values{
-      {QStringLiteral("dbPath"), dbPath},
+      {kDbPath, dbPath},
       {QStringLiteral("backupPath"), backupPath},
       {QStringLiteral("accounts"), accountList},
       {QStringLiteral("mailboxes"), mailboxList},
@@ -93,4 +90,4 @@ void StoredPreferences::write(platform::Settings& settings, const QString& dbPat
   settings.sync();
 }
 
-}  // namespace quillery::app
+}  // namespace quillery::prefs
