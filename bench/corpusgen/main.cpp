@@ -1,14 +1,15 @@
 // corpusgen: writes a generated mail corpus for the benchmarks, the same for a given seed on
 // every machine.
 //
-//   corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT]
+//   corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT] [--maildir FOLDER]
 //
 // The store benchmark (bench/store/store-bench.sh) and the domail benchmark take the
 // 20,000-message mbox, about 400 MB:
 //
 //   corpusgen --count 20000 --seed 1 --mbox bench/out/corpus-20k.mbox
 //
-// and the memory figure of bench/domail uses a 1 GB one (--count 50000). Generated corpora
+// and the memory figure of bench/domail uses a 1 GB one (--count 50000); the domail benchmark
+// also reads the same 20,000 messages as a Maildir (--maildir). Generated corpora
 // stay out of git (bench/out/ is ignored). Exit status 0, or 1 when an output cannot be
 // written, 2 for a malformed command line.
 #include <cstdio>
@@ -18,17 +19,19 @@
 
 #include "CorpusGenerator.h"
 #include "CorpusWriter.h"
+#include "MaildirWriter.h"
 
 namespace {
 
 const char* const kHelp =
-    "usage: corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT]\n"
+    "usage: corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT] [--maildir FOLDER]\n"
     "\n"
     "Writes N generated messages (bodies of 0.5 to 20 KB, a quarter with an HTML\n"
     "alternative, about 15 % with a 10 to 200 KB attachment, some encoded headers) as one\n"
     "mbox file and/or as an Apple Mail tree of .emlx files under MAILROOT\n"
     "(MAILROOT/V2/Bench@example.com/{INBOX,Sent Messages,Archive}.mbox/Messages/N.emlx, so\n"
-    "that MAILROOT can stand for $HOME/Library/Mail). The same seed (default 1) gives the\n"
+    "that MAILROOT can stand for $HOME/Library/Mail), and/or as a Maildir FOLDER (the INBOX\n"
+    "with the Maildir++ subfolders .Sent and .Archive). The same seed (default 1) gives the\n"
     "same corpus on every machine. 20,000 messages come to about 400 MB:\n"
     "\n"
     "  corpusgen --count 20000 --seed 1 --mbox bench/out/corpus-20k.mbox\n";
@@ -47,6 +50,7 @@ int main(int argc, char** argv) {
   unsigned long long seed = 1;
   std::string mbox;
   std::string emlx;
+  std::string maildir;
   for (int i = 1; i < argc; ++i) {
     const std::string option = argv[i];
     if (option == "--help" || option == "-h") {
@@ -67,6 +71,8 @@ int main(int argc, char** argv) {
       mbox = value;
     } else if (option == "--emlx") {
       emlx = value;
+    } else if (option == "--maildir") {
+      maildir = value;
     } else {
       ok = false;
     }
@@ -75,19 +81,23 @@ int main(int argc, char** argv) {
       return 2;
     }
   }
-  if (count == 0 || (mbox.empty() && emlx.empty())) {
-    std::fprintf(stderr, "corpusgen: give --count and at least one of --mbox, --emlx\n%s", kHelp);
+  if (count == 0 || (mbox.empty() && emlx.empty() && maildir.empty())) {
+    std::fprintf(
+        stderr, "corpusgen: give --count and at least one of --mbox, --emlx, --maildir\n%s", kHelp);
     return 2;
   }
   quillery::bench::CorpusGenerator generator(seed);
   quillery::bench::CorpusWriter writer(mbox, emlx);
+  quillery::bench::MaildirWriter maildirWriter(maildir);
   std::string error;
-  if (!writer.open(error)) {
+  if (!writer.open(error) || (!maildir.empty() && !maildirWriter.open(error))) {
     std::fprintf(stderr, "corpusgen: %s\n", error.c_str());
     return 1;
   }
   for (unsigned long long i = 0; i < count; ++i) {
-    if (!writer.write(generator.next(), error)) {
+    const quillery::bench::CorpusGenerator::Message message = generator.next();
+    if (!writer.write(message, error) ||
+        (!maildir.empty() && !maildirWriter.write(message, error))) {
       std::fprintf(stderr, "corpusgen: %s\n", error.c_str());
       return 1;
     }

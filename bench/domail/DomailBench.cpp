@@ -2,14 +2,17 @@
 // announcement at once, as the fastest possible application would, and prints messages per
 // second, megabytes of mail per second and the tool's peak memory.
 //
-//   domail-bench DOMAIL MBOX... [--switches ALLMB,ATTACH,HTML,TRASH,ORIG] [--no-nice]
+//   domail-bench DOMAIL SOURCE... [--switches ALLMB,ATTACH,HTML,TRASH,ORIG] [--no-nice]
+//
+// A SOURCE is what the store run's mbox mode takes: an mbox file or a folder of mail (a
+// Maildir, say); megabytes count the files' bytes.
 //
 // The switches default to 1,1,1,0,1 (attachments, HTML parts and raw sources written: the
 // most work per message). The tool runs through /usr/bin/nice as the application runs it,
 // unless --no-nice asks for the caller's priority (on a machine busy with other work a niced
 // tool mostly waits; its CPU time, printed too, is the steadier figure).
 // bench/domail/domail-bench.sh makes the corpora with corpusgen and runs this on 20,000 messages
-// and on a 1 GB mbox.
+// as an mbox and as a Maildir, and on a 1 GB mbox.
 #include <sys/resource.h>
 
 #include <chrono>
@@ -18,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "domail/DomailDriver.h"
+#include "support/driver/DomailDriver.h"
 
 namespace fs = std::filesystem;
 
@@ -36,13 +39,20 @@ int main(int argc, char** argv) {
     }
   }
   if (argc < 3 || mboxes.empty() || switches.size() != 9) {
-    std::fprintf(stderr, "usage: domail-bench DOMAIL MBOX... [--switches A,B,C,D,E] [--no-nice]\n");
+    std::fprintf(stderr,
+                 "usage: domail-bench DOMAIL SOURCE... [--switches A,B,C,D,E] [--no-nice]\n");
     return 2;
   }
   std::uintmax_t bytes = 0;
   for (const std::string& mbox : mboxes) {
     std::error_code ec;
-    bytes += fs::file_size(mbox, ec);
+    if (fs::is_directory(mbox, ec)) {
+      for (const fs::directory_entry& entry : fs::recursive_directory_iterator(mbox, ec)) {
+        bytes += entry.is_regular_file() ? entry.file_size() : 0;
+      }
+    } else {
+      bytes += fs::file_size(mbox, ec);
+    }
     if (ec) {
       std::fprintf(stderr, "domail-bench: cannot read %s\n", mbox.c_str());
       return 1;
@@ -58,7 +68,7 @@ int main(int argc, char** argv) {
                                         "0000-00-00 00:00:00",  "9999-99-99 00:00:00"};
   arguments.insert(arguments.end(), mboxes.begin(), mboxes.end());
 
-  quillery::tools::DomailDriver driver(argv[1], nice);
+  quillery::test::DomailDriver driver(argv[1], nice);
   const auto start = std::chrono::steady_clock::now();
   if (!driver.start(arguments)) {
     std::perror("domail-bench: cannot start the tool");

@@ -170,7 +170,7 @@ int StoreCommand::run(const QStringList& arguments) {
 
 QString StoreCommand::synopsis() {
   return QStringLiteral(
-      "  quillery-cli store [--archive PATH] (--mbox FILE... | --accounts NAME... |\n"
+      "  quillery-cli store [--archive PATH] (--mbox PATH... | --accounts NAME... |\n"
       "                     --mailboxes LINE...) [--begin YYYY-MM-DD] [--end YYYY-MM-DD]\n"
       "                     [--no-attachments] [--no-html] [--trash] [--all-mailboxes]\n"
       "                     [--no-source] [--progress-lines]\n");
@@ -184,7 +184,8 @@ QString StoreCommand::help() {
       "tags), the same store log (ARCHIVE.storelog) and summary. The confirmation that the\n"
       "window asks is taken as given; Ctrl-C cancels and keeps what was stored.\n"
       "  Sources (exactly one kind):\n"
-      "  --mbox FILE...        mbox files (or Apple Mail \"Export Mailbox\" folders).\n"
+      "  --mbox PATH...        mbox files, Apple Mail \"Export Mailbox\" folders, Maildir\n"
+      "                        folders, folders of .eml files, Thunderbird profiles.\n"
       "  --accounts NAME...    Apple Mail account folders under $HOME/Library/Mail; their\n"
       "                        In and Sent boxes are stored, and the local \"Mailboxes\".\n"
       "  --mailboxes LINE...   single mailboxes, as findmail lists them.\n"

@@ -162,6 +162,24 @@ TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
       << result.err.toStdString();
 }
 
+// A folder reaches the parser tool as it was given: a Maildir, with a Maildir++ subfolder and
+// a trailing "/", stores like an mbox file.
+TEST_F(CliTest, AMaildirFolderIsStored) {
+  const QString maildir = home() + QStringLiteral("/Maildir");
+  for (const char* folder : {"cur", "new", "tmp", ".Sent/cur", ".Sent/new"})
+    ASSERT_TRUE(QDir(maildir).mkpath(QString::fromLatin1(folder)));
+  for (int i = 0; i < 4; ++i) {
+    const QString box = i < 3 ? QStringLiteral("/cur/") : QStringLiteral("/.Sent/cur/");
+    ASSERT_TRUE(test::writeFile(maildir + box + QStringLiteral("170000000%1.M1P1.host:2,S").arg(i),
+                                MailFixtures::message(i)));
+  }
+  const QString archive = homeDir.filePath(QStringLiteral("maildir.db"));
+  const CliResult result = cli({"store", "--archive", archive, "--mbox", maildir + '/'});
+  EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
+  EXPECT_TRUE(result.out.startsWith(QStringLiteral("Parsed: 4\nProcessed: 4\nStored: 4\n")))
+      << result.out.toStdString();
+}
+
 TEST_F(CliTest, AnAppleMailAccountUnderHomeIsStored) {
   const QString corpus = test::corpusDir();
   if (corpus.isEmpty())

@@ -8,7 +8,7 @@
 
 namespace quillery::tools {
 
-bool FileBytes::read(const std::string& path, std::string& out) {
+bool FileBytes::read(const std::string& path, std::string& out, std::time_t* modified) {
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     return false;
@@ -17,6 +17,9 @@ bool FileBytes::read(const std::string& path, std::string& out) {
   if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
     ::close(fd);
     return false;
+  }
+  if (modified) {
+    *modified = info.st_mtime;
   }
   // One byte more than the size lets the read that finds the end of file land without
   // growing the string; the size may still change under us (a file being written).

@@ -6,12 +6,14 @@
 
 namespace quillery::tools {
 
-// Whole-file reads for the small files of a mail store (emlx messages, attachment parts).
+// Whole-file reads for the small files of a mail store (emlx and Maildir messages, attachment
+// parts).
 class FileBytes {
  public:
-  // Replaces `out` with the file's bytes and returns true; returns false (out unspecified)
-  // when the file cannot be opened or read, or is not a regular file.
-  static bool read(const std::string& path, std::string& out);
+  // Replaces `out` with the file's bytes and returns true; returns false (out unspecified;
+  // errno ENOENT when there is no such file) when the file cannot be opened or read, or is not a
+  // regular file. `modified`, when given, receives the file's modification time.
+  static bool read(const std::string& path, std::string& out, std::time_t* modified = nullptr);
 
   // The file's modification time, or nothing when it cannot be examined.
   static std::optional<std::time_t> modified(const std::string& path);

@@ -1,11 +1,9 @@
 #include "common/MailTree.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <set>
 
+#include "common/FolderListing.h"
 #include "common/MimeHeaders.h"
 
 namespace quillery::tools {
@@ -24,22 +22,16 @@ bool endsWithIgnoringCase(std::string_view s, std::string_view suffix) {
 // followed only to a mailbox or "Messages" folder (someone moved a mailbox elsewhere), never
 // to an arbitrary folder, which could lead anywhere in the file system.
 bool subfolders(const fs::path& dir, std::vector<fs::path>& out) {
-  std::error_code ec;
-  fs::directory_iterator it(dir, ec);
-  if (ec) {
+  std::vector<FolderEntry> entries;
+  if (!FolderListing::entries(dir.string(), entries)) {
     return false;
   }
-  for (fs::directory_iterator end; !ec && it != end; it.increment(ec)) {
-    std::error_code typeError;
-    if (!it->is_directory(typeError)) {
-      continue;
-    }
-    const std::string name = it->path().filename().string();
-    if (!it->is_symlink(typeError) || MailTree::isMailboxName(name) || name == "Messages") {
-      out.push_back(it->path());
+  for (const FolderEntry& entry : entries) {
+    if (entry.folder &&
+        (!entry.link || MailTree::isMailboxName(entry.name) || entry.name == "Messages")) {
+      out.push_back(entry.path);
     }
   }
-  std::sort(out.begin(), out.end());
   return true;
 }
 
@@ -58,15 +50,9 @@ std::string joined(const std::vector<std::string>& names) {
 // again, and folders that cannot be listed are reported.
 struct TreeWalk {
   const MailTree::FolderSink& unreadable;
-  std::set<std::pair<dev_t, ino_t>> seen;
+  FolderListing visited;
 
-  bool firstVisit(const fs::path& dir) {
-    struct stat info {};
-    if (::stat(dir.c_str(), &info) != 0) {
-      return true;  // listing it will fail and say so
-    }
-    return seen.emplace(info.st_dev, info.st_ino).second;
-  }
+  bool firstVisit(const fs::path& dir) { return visited.firstVisit(dir.string()); }
   void cannotList(const fs::path& dir) const {
     if (unreadable) {
       unreadable(dir.string());

@@ -1,7 +1,9 @@
 #include "common/MailWalker.h"
 
 #include <filesystem>
+#include <functional>
 
+#include "common/ChosenFolder.h"
 #include "common/MailTree.h"
 #include "common/MailboxReader.h"
 #include "common/MailboxSelection.h"
@@ -24,29 +26,29 @@ void searchingNow(const SearchingSink& searching) {
   }
 }
 
-std::string joined(const std::string& first, const std::vector<std::string>& names) {
-  std::string out = first;
-  for (const std::string& name : names) {
-    out += '/';
-    out += name;
-  }
-  return out;
-}
-
-// A folder chosen as an mbox source: Apple's exported "X.mbox/" with its file "mbox", or any
-// folder of mailboxes; its own messages first, then those of every mailbox inside it.
-bool readFolderTree(MailboxReader& reader, const std::string& path, const InvalidSink& invalid,
-                    const SearchingSink& searching) {
-  const fs::path folder = fs::path(path).lexically_normal();
-  const fs::path named = folder.has_filename() ? folder : folder.parent_path();
-  const std::string name = MailTree::withoutMailboxSuffix(named.filename().string());
-  if (!reader.readMailboxFolder(path, name)) {
-    return false;
-  }
-  for (const MailboxFolder& box : MailTree::mailboxes(path, invalid)) {
+// The paths the application gave (a line end after one is ignored): a folder goes to
+// `readFolder`, a file to the reader under its own name; a path that is neither (gone since
+// it was chosen, or never there) is named invalid.
+bool walkPaths(const std::vector<std::string>& paths, MailboxReader& reader,
+               const InvalidSink& invalid, const SearchingSink& searching,
+               const std::function<bool(const std::string& folder)>& readFolder) {
+  for (const std::string& given : paths) {
+    const std::string path = withoutLineEnd(given);
+    if (path.empty()) {
+      continue;
+    }
     searchingNow(searching);
-    if (!reader.readMailboxFolder(box.path, joined(name, box.names))) {
-      return false;
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) {
+      if (!readFolder(path)) {
+        return false;
+      }
+    } else if (fs::is_regular_file(path, ec)) {
+      if (!reader.readFile(path, fs::path(path).filename().string())) {
+        return false;
+      }
+    } else {
+      invalid(path);
     }
   }
   return true;
@@ -57,47 +59,17 @@ bool readFolderTree(MailboxReader& reader, const std::string& path, const Invali
 bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
                    const InvalidSink& invalid, const SearchingSink& searching) {
   MailboxReader reader(message, invalid);
-  for (const std::string& given : paths) {
-    const std::string path = withoutLineEnd(given);
-    if (path.empty()) {
-      continue;
-    }
-    searchingNow(searching);
-    std::error_code ec;
-    if (fs::is_directory(path, ec)) {
-      if (!readFolderTree(reader, path, invalid, searching)) {
-        return false;
-      }
-    } else if (!reader.readFile(path, fs::path(path).filename().string())) {
-      return false;
-    }
-  }
-  return true;
+  ChosenFolder folders(message, invalid, searching);
+  return walkPaths(paths, reader, invalid, searching,
+                   [&](const std::string& folder) { return folders.read(folder); });
 }
 
 bool walkMailboxes(const std::vector<std::string>& mailboxLines, const MessageSink& message,
                    const InvalidSink& invalid, const SearchingSink& searching) {
   MailboxReader reader(message, invalid);
-  for (const std::string& line : mailboxLines) {
-    const std::string path = withoutLineEnd(line);
-    if (path.empty()) {
-      continue;
-    }
-    searchingNow(searching);
-    std::error_code ec;
-    if (fs::is_directory(path, ec)) {
-      if (!reader.readMailboxFolder(path, MailTree::fromPath(path).displayName)) {
-        return false;
-      }
-    } else if (fs::is_regular_file(path, ec)) {
-      if (!reader.readFile(path, fs::path(path).filename().string())) {
-        return false;
-      }
-    } else {
-      invalid(path);  // gone since it was listed, or never there
-    }
-  }
-  return true;
+  return walkPaths(mailboxLines, reader, invalid, searching, [&](const std::string& folder) {
+    return reader.readMailboxFolder(folder, MailTree::fromPath(folder).displayName);
+  });
 }
 
 bool walkAccounts(const std::string& mailRoot, const std::vector<std::string>& accountNames,

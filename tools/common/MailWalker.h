@@ -18,9 +18,11 @@ struct WalkOptions {
 // `invalid` and goes on, and calls `searching` while it looks for files. A walk returns false
 // as soon as `message` returns false (the tool was told to stop), else true.
 
-// mbox files, or Apple "Export Mailbox" folders (X.mbox/ holding a file "mbox"). A chosen
-// .emlx file is read as one message; a chosen folder gives its own messages and then those of
-// every mailbox folder inside it ("X/Sub").
+// mbox files (a file that opens with headers is one message saved on its own, such as an
+// .eml file) and folders of mail: Maildir folders, Thunderbird profiles and their account
+// folders, Apple "Export Mailbox" folders (X.mbox/ holding a file "mbox") and any folder of
+// such files, as ChosenFolder reads them. A chosen .emlx file is read as one message. A
+// chosen file's messages are filed under its name.
 bool walkMboxFiles(const std::vector<std::string>& paths, const MessageSink& message,
                    const InvalidSink& invalid, const SearchingSink& searching);
 

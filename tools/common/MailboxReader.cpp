@@ -7,6 +7,7 @@
 
 #include "common/EmlxReader.h"
 #include "common/FileBytes.h"
+#include "common/FolderListing.h"
 #include "common/MailTree.h"
 #include "common/MboxReader.h"
 #include "common/PartialEmlxAssembler.h"
@@ -54,7 +55,8 @@ std::optional<EmlxFile> emlxFile(const std::string& name) {
 
 }  // namespace
 
-bool MailboxReader::readMboxFile(const std::string& path, const std::string& mailbox) {
+bool MailboxReader::readMboxFile(const std::string& path, const std::string& mailbox,
+                                 const std::string& savedMailbox, NotMail notMail) {
   MboxReader reader(path);
   if (!reader.open()) {
     invalid_(path);
@@ -68,15 +70,16 @@ bool MailboxReader::readMboxFile(const std::string& path, const std::string& mai
     }
     RawMessage raw;
     raw.source = std::move(one.source);
-    raw.mailbox = mailbox;
+    raw.mailbox = reader.savedMessage() ? savedMailbox : mailbox;
     raw.path = path;
     raw.postmarkDate = one.postmarkDate;
     raw.fileModified = modified;
+    raw.labelsNameMailbox = true;
     if (!message_(std::move(raw))) {
       return false;
     }
   }
-  if (reader.failed() || reader.notMail()) {
+  if (reader.failed() || (reader.notMail() && notMail == NotMail::Invalid)) {
     invalid_(path);
   }
   return true;
@@ -109,15 +112,14 @@ bool MailboxReader::readMailboxFolder(const std::string& folder, const std::stri
 }
 
 bool MailboxReader::readMessagesFolder(const std::string& folder, const std::string& mailbox) {
-  std::vector<EmlxFile> files;
-  std::error_code ec;
-  fs::directory_iterator it(folder, ec);
-  if (ec) {
+  std::vector<FolderEntry> entries;
+  if (!FolderListing::entries(folder, entries)) {
     invalid_(folder);
     return true;
   }
-  for (fs::directory_iterator end; !ec && it != end; it.increment(ec)) {
-    if (auto file = emlxFile(it->path().filename().string())) {
+  std::vector<EmlxFile> files;
+  for (const FolderEntry& entry : entries) {
+    if (auto file = emlxFile(entry.name)) {
       files.push_back(std::move(*file));
     }
   }
@@ -142,7 +144,8 @@ bool MailboxReader::readMessagesFolder(const std::string& folder, const std::str
 }
 
 bool MailboxReader::readEmlxFile(const std::string& path, const std::string& mailbox) {
-  if (!FileBytes::read(path, buffer_)) {
+  std::time_t modified = 0;
+  if (!FileBytes::read(path, buffer_, &modified)) {
     invalid_(path);
     return true;
   }
@@ -166,7 +169,7 @@ bool MailboxReader::readEmlxFile(const std::string& path, const std::string& mai
   raw.path = path;
   raw.plistDateSent = content->dateSent;
   raw.plistDateReceived = content->dateReceived;
-  raw.fileModified = FileBytes::modified(path);
+  raw.fileModified = modified;
   return message_(std::move(raw));
 }
 

@@ -16,8 +16,17 @@ class MailboxReader {
   MailboxReader(const MessageSink& message, const InvalidSink& invalid)
       : message_(message), invalid_(invalid) {}
 
-  // An mbox file; every message is filed under `mailbox`.
-  bool readMboxFile(const std::string& path, const std::string& mailbox);
+  // What becomes of a file that is not mail: named invalid, or passed over in silence (in a
+  // mail client's folder, beside its mailboxes, that holds indexes and settings).
+  enum class NotMail { Invalid, Skip };
+
+  // An mbox file; every message is filed under `mailbox`, or, when the file is a message
+  // saved on its own (it opens with headers, not a postmark), under `savedMailbox`.
+  bool readMboxFile(const std::string& path, const std::string& mailbox,
+                    const std::string& savedMailbox, NotMail notMail = NotMail::Invalid);
+  bool readMboxFile(const std::string& path, const std::string& mailbox) {
+    return readMboxFile(path, mailbox, mailbox);
+  }
 
   // A single file: an .emlx file (whole or partial) by its name, any other file as mbox.
   bool readFile(const std::string& path, const std::string& mailbox);

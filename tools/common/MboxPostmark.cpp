@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdlib>
 
+#include "common/AsciiText.h"
 #include "common/MimeHeaders.h"
 
 namespace quillery::tools {
@@ -18,26 +19,6 @@ std::string_view stripLineEnd(std::string_view line) {
     line.remove_suffix(1);
   }
   return line;
-}
-
-bool isDigits(std::string_view s) {
-  if (s.empty()) {
-    return false;
-  }
-  for (char c : s) {
-    if (c < '0' || c > '9') {
-      return false;
-    }
-  }
-  return true;
-}
-
-int toInt(std::string_view s) {
-  int v = 0;
-  for (char c : s) {
-    v = v * 10 + (c - '0');
-  }
-  return v;
 }
 
 int monthIndex(std::string_view token) {
@@ -91,13 +72,13 @@ bool parseTime(std::string_view t, int& h, int& m, int& s) {
   if (t[2] != ':' || (t.size() == 8 && t[5] != ':')) {
     return false;
   }
-  if (!isDigits(t.substr(0, 2)) || !isDigits(t.substr(3, 2)) ||
-      (t.size() == 8 && !isDigits(t.substr(6, 2)))) {
+  if (!ascii::allDigits(t.substr(0, 2)) || !ascii::allDigits(t.substr(3, 2)) ||
+      (t.size() == 8 && !ascii::allDigits(t.substr(6, 2)))) {
     return false;
   }
-  h = toInt(t.substr(0, 2));
-  m = toInt(t.substr(3, 2));
-  s = t.size() == 8 ? toInt(t.substr(6, 2)) : 0;
+  h = ascii::number(t.substr(0, 2));
+  m = ascii::number(t.substr(3, 2));
+  s = t.size() == 8 ? ascii::number(t.substr(6, 2)) : 0;
   return h < 24 && m < 60 && s < 61;
 }
 
@@ -141,13 +122,13 @@ std::optional<std::time_t> MboxPostmark::date(std::string_view line) {
       month = monthIndex(token);
     } else if (!haveTime && parseTime(token, hour, minute, second)) {
       haveTime = true;
-    } else if (isDigits(token) && token.size() <= 2 && day == 0) {
-      day = toInt(token);
-    } else if (isDigits(token) && token.size() == 4) {
-      year = toInt(token);
+    } else if (ascii::allDigits(token) && token.size() <= 2 && day == 0) {
+      day = ascii::number(token);
+    } else if (ascii::allDigits(token) && token.size() == 4) {
+      year = ascii::number(token);
     } else if (token.size() == 5 && (token[0] == '+' || token[0] == '-') &&
-               isDigits(token.substr(1))) {
-      const long hhmm = toInt(token.substr(1));
+               ascii::allDigits(token.substr(1))) {
+      const long hhmm = ascii::number(token.substr(1));
       zoneSeconds = (hhmm / 100 * 3600 + hhmm % 100 * 60) * (token[0] == '-' ? -1 : 1);
     } else if (!isWeekday(token) && !isZoneName(token) && !isComment(token)) {
       // Body text that merely starts with "From " has words a postmark date never has.

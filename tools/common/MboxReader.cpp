@@ -15,6 +15,7 @@ namespace quillery::tools {
 namespace {
 
 constexpr std::size_t kBlockSize = 4u << 20;
+constexpr std::size_t kSmallestBlock = 64u << 10;
 // Longer lines are taken in pieces of this size, so the buffer never grows past its block.
 constexpr std::size_t kLongestPiece = 1u << 20;
 // Postmark lines are short; a longer "From " line is body text and needs no copy.
@@ -86,7 +87,9 @@ bool MboxReader::open() {
     return false;
   }
   fileSize_ = static_cast<std::uint64_t>(info.st_size);
-  buffer_.resize(kBlockSize);
+  // A small file (a saved message, one of many in a folder) needs no block of its own size.
+  buffer_.resize(static_cast<std::size_t>(
+      std::clamp<std::uint64_t>(fileSize_ + 1, kSmallestBlock, kBlockSize)));
   return true;
 }
 
@@ -99,6 +102,9 @@ bool MboxReader::fill() {
     bufferOffset_ += begin_;
     end_ -= begin_;
     begin_ = 0;
+  }
+  if (end_ == buffer_.size()) {
+    buffer_.resize(kBlockSize);  // the file grew since it was opened
   }
   for (;;) {
     const ssize_t got = ::read(fd_, buffer_.data() + end_, buffer_.size() - end_);

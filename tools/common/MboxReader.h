@@ -40,6 +40,9 @@ class MboxReader {
   bool next(MboxMessage& out);
 
   bool failed() const { return failed_; }
+  // Whether the file is a message saved on its own (it opens with a header, not a postmark);
+  // known once next() has been called.
+  bool savedMessage() const { return wholeFile_; }
   bool notMail() const { return notMail_; }
 
  private:

@@ -64,6 +64,21 @@ bool MimeHeaders::isFieldLine(std::string_view line) {
   return false;
 }
 
+bool MimeHeaders::startsWithField(std::string_view entity) {
+  std::size_t i = 0;
+  while (i < entity.size() && static_cast<unsigned char>(entity[i]) > ' ' && entity[i] != ':' &&
+         entity[i] != 127) {
+    ++i;
+  }
+  if (i == 0) {
+    return false;
+  }
+  while (i < entity.size() && (entity[i] == ' ' || entity[i] == '\t')) {
+    ++i;
+  }
+  return i < entity.size() && entity[i] == ':';
+}
+
 std::optional<std::string> MimeHeaders::value(std::string_view headers, std::string_view name) {
   std::size_t pos = 0;
   while (pos < headers.size()) {

@@ -29,6 +29,11 @@ class MimeHeaders {
   // characters without blanks up to a colon.
   static bool isFieldLine(std::string_view line);
 
+  // True when `entity` opens with a header field as mail parsers read one: a name of bytes
+  // that are neither blanks, control characters nor a colon, optional blanks, then a colon
+  // ("Subject:", the old "Subject :", 8-bit names). Text that does not is no header block.
+  static bool startsWithField(std::string_view entity);
+
   static bool equalsIgnoringCase(std::string_view a, std::string_view b);
 };
 

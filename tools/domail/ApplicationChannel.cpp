@@ -20,12 +20,12 @@ bool ApplicationChannel::stopped() {
   return ended_;
 }
 
-bool ApplicationChannel::write(std::string_view chunk) {
-  while (!chunk.empty()) {
+bool ApplicationChannel::waitFor(int fd, short events) {
+  for (;;) {
     if (stopped()) {
       return false;
     }
-    pollfd fds[2] = {{output_, POLLOUT, 0}, {signals_.fd(), POLLIN, 0}};
+    pollfd fds[2] = {{fd, events, 0}, {signals_.fd(), POLLIN, 0}};
     if (::poll(fds, signals_.fd() >= 0 ? 2 : 1, -1) < 0) {
       if (errno == EINTR) {
         continue;
@@ -33,8 +33,17 @@ bool ApplicationChannel::write(std::string_view chunk) {
       ended_ = true;
       return false;
     }
-    if (fds[1].revents & POLLIN) {
-      continue;  // stopped() reads the signal
+    if (!(fds[1].revents & POLLIN)) {
+      return true;  // ready, or closed: the read or write that follows tells which
+    }
+    // A signal arrived: stopped() reads it.
+  }
+}
+
+bool ApplicationChannel::write(std::string_view chunk) {
+  while (!chunk.empty()) {
+    if (!waitFor(output_, POLLOUT)) {
+      return false;
     }
     const ssize_t wrote = ::write(output_, chunk.data(), chunk.size());
     if (wrote < 0 && (errno == EINTR || errno == EAGAIN)) {
@@ -59,19 +68,8 @@ bool ApplicationChannel::awaitAnswer() {
     if (pending_.size() > 4 * kAnswer.size()) {
       pending_.erase(0, pending_.size() - kAnswer.size());  // noise before the answer
     }
-    if (stopped()) {
+    if (!waitFor(input_, POLLIN)) {
       return false;
-    }
-    pollfd fds[2] = {{input_, POLLIN, 0}, {signals_.fd(), POLLIN, 0}};
-    if (::poll(fds, signals_.fd() >= 0 ? 2 : 1, -1) < 0) {
-      if (errno == EINTR) {
-        continue;
-      }
-      ended_ = true;
-      return false;
-    }
-    if (fds[1].revents & POLLIN) {
-      continue;
     }
     char buffer[64];
     const ssize_t got = ::read(input_, buffer, sizeof buffer);

@@ -37,6 +37,9 @@ class ApplicationChannel {
   bool stopped();
 
  private:
+  // Blocks until `fd` is ready for `events` (or closed at the other end). False when the run
+  // must end first: a stop signal, or poll failing.
+  bool waitFor(int fd, short events);
   bool write(std::string_view chunk);
   bool awaitAnswer();
 

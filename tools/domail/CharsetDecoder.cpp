@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "common/AsciiText.h"
+#include "common/Utf8Text.h"
 
 namespace quillery::tools {
 namespace {
@@ -192,33 +193,15 @@ bool CharsetDecoder::isValidUtf8(std::string_view bytes) {
   return true;
 }
 
-void CharsetDecoder::appendCodePoint(char32_t c, std::string& out) {
-  if (c < 0x80) {
-    out += static_cast<char>(c);
-  } else if (c < 0x800) {
-    out += static_cast<char>(0xC0 | (c >> 6));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    out += static_cast<char>(0xE0 | (c >> 12));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    out += static_cast<char>(0xF0 | (c >> 18));
-    out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    out += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
 void CharsetDecoder::appendWindows1252(std::string_view bytes, std::string& out) {
   for (char ch : bytes) {
     const auto c = static_cast<unsigned char>(ch);
     if (c < 0x80) {
       out += ch;
     } else if (c < 0xA0) {
-      appendCodePoint(kWindows1252High[c - 0x80], out);
+      utf8::appendCodePoint(kWindows1252High[c - 0x80], out);
     } else {
-      appendCodePoint(c, out);
+      utf8::appendCodePoint(c, out);
     }
   }
 }
@@ -297,7 +280,7 @@ void CharsetDecoder::convert(iconv_t cd, std::string_view bytes, std::string& ou
     if (error == E2BIG) {
       continue;
     }
-    appendCodePoint(0xFFFD, out);
+    utf8::appendCodePoint(0xFFFD, out);
     if (error == EINVAL) {
       break;  // cut off in the middle of a character
     }

@@ -30,7 +30,6 @@ class CharsetDecoder {
   // Valid UTF-8 sequences as they are, every other byte read as windows-1252.
   static void appendLenientUtf8(std::string_view bytes, std::string& out);
   static void appendWindows1252(std::string_view bytes, std::string& out);
-  static void appendCodePoint(char32_t c, std::string& out);
   // The iconv name this decoder uses for a mail charset label, or "" for the labels that are
   // read as UTF-8 or windows-1252 without iconv.
   static std::string iconvName(std::string_view label);

@@ -1,5 +1,6 @@
 #include "domail/HeaderText.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "common/AsciiText.h"
@@ -14,20 +15,11 @@ struct EncodedWord {
   std::size_t end = 0;  // offset after "?="
 };
 
+// In a Q-encoded word "_" is a blank; an encoded "=5F" stays an underscore.
 std::string decodeQ(std::string_view text) {
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == '_') {
-      out += ' ';
-    } else if (text[i] == '=' && i + 2 < text.size() && ascii::hexValue(text[i + 1]) >= 0 &&
-               ascii::hexValue(text[i + 2]) >= 0) {
-      out += static_cast<char>(ascii::hexValue(text[i + 1]) * 16 + ascii::hexValue(text[i + 2]));
-      i += 2;
-    } else {
-      out += text[i];
-    }
-  }
-  return out;
+  std::string blanks(text);
+  std::replace(blanks.begin(), blanks.end(), '_', ' ');
+  return ascii::hexEscapesDecoded(blanks, '=');
 }
 
 // "=?charset?B|Q?text?=" starting at `at`.

@@ -6,6 +6,7 @@
 #include <iterator>
 
 #include "common/AsciiText.h"
+#include "common/Utf8Text.h"
 #include "domail/CharsetDecoder.h"
 
 namespace quillery::tools {
@@ -236,7 +237,7 @@ std::size_t HtmlText::decodeReference(std::string_view text, std::size_t at, std
       out += one;
       return i - at;
     }
-    CharsetDecoder::appendCodePoint(code, out);
+    utf8::appendCodePoint(code, out);
     return i - at;
   }
   const std::size_t nameStart = i;
@@ -247,7 +248,7 @@ std::size_t HtmlText::decodeReference(std::string_view text, std::size_t at, std
   const std::string_view name = text.substr(nameStart, i - nameStart);
   for (const Entity& entity : kEntities) {
     if (name == entity.name) {
-      CharsetDecoder::appendCodePoint(entity.code, out);
+      utf8::appendCodePoint(entity.code, out);
       return (i < text.size() && text[i] == ';') ? i + 1 - at : i - at;
     }
   }

@@ -50,29 +50,6 @@ bool isAlpha(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-bool allDigits(std::string_view s) {
-  if (s.empty()) {
-    return false;
-  }
-  for (char c : s) {
-    if (!isDigit(c)) {
-      return false;
-    }
-  }
-  return true;
-}
-
-int number(std::string_view s) {
-  int v = 0;
-  for (char c : s) {
-    if (v > 100000) {
-      return -1;
-    }
-    v = v * 10 + (c - '0');
-  }
-  return v;
-}
-
 // A word names a month or day when it is that name or its first three or more letters.
 int nameIndex(const std::string& word, const char* const* names, std::size_t count) {
   if (word.size() < 3) {
@@ -114,11 +91,11 @@ bool readZone(std::string_view s, Fields& f) {
       digits += c;
     }
   }
-  if (!allDigits(digits) || (digits.size() != 4 && digits.size() != 2)) {
+  if (!ascii::allDigits(digits) || (digits.size() != 4 && digits.size() != 2)) {
     return false;
   }
-  const int hours = number(std::string_view(digits).substr(0, 2));
-  const int minutes = digits.size() == 4 ? number(std::string_view(digits).substr(2)) : 0;
+  const int hours = ascii::number(std::string_view(digits).substr(0, 2));
+  const int minutes = digits.size() == 4 ? ascii::number(std::string_view(digits).substr(2)) : 0;
   if (hours > 14 || minutes > 59) {
     return false;
   }
@@ -136,30 +113,23 @@ bool readTime(std::string_view s, Fields& f) {
   }
   const std::size_t dot = clock.find('.');
   if (dot != std::string_view::npos) {
-    if (!allDigits(clock.substr(dot + 1))) {
+    if (!ascii::allDigits(clock.substr(dot + 1))) {
       return false;
     }
     clock = clock.substr(0, dot);
   }
-  std::vector<std::string_view> parts;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i <= clock.size(); ++i) {
-    if (i == clock.size() || clock[i] == ':') {
-      parts.push_back(clock.substr(start, i - start));
-      start = i + 1;
-    }
-  }
+  const std::vector<std::string_view> parts = ascii::split(clock, ':');
   if (parts.size() < 2 || parts.size() > 3) {
     return false;
   }
   for (std::string_view p : parts) {
-    if (!allDigits(p) || p.size() > 2) {
+    if (!ascii::allDigits(p) || p.size() > 2) {
       return false;
     }
   }
-  f.hour = number(parts[0]);
-  f.minute = number(parts[1]);
-  f.second = parts.size() == 3 ? number(parts[2]) : 0;
+  f.hour = ascii::number(parts[0]);
+  f.minute = ascii::number(parts[1]);
+  f.second = parts.size() == 3 ? ascii::number(parts[2]) : 0;
   if (zoneAt != std::string_view::npos && !readZone(s.substr(zoneAt), f)) {
     return false;
   }
@@ -167,7 +137,7 @@ bool readTime(std::string_view s, Fields& f) {
 }
 
 void readNumber(std::string_view token, Fields& f) {
-  const int value = number(token);
+  const int value = ascii::number(token);
   if (token.size() == 4 && f.year >= 0 && f.hour >= 0 && !f.zoneMinutes) {
     // A zone that lost its sign: "22:23:35 0000".
     Fields zone;
@@ -221,30 +191,24 @@ bool readDashed(std::string_view token, Fields& f) {
     datePart = token.substr(0, t);
     timePart = token.substr(t + 1);
   }
-  std::vector<std::string_view> parts;
-  std::size_t start = 0;
-  for (std::size_t i = 0; i <= datePart.size(); ++i) {
-    if (i == datePart.size() || datePart[i] == '-') {
-      parts.push_back(datePart.substr(start, i - start));
-      start = i + 1;
-    }
-  }
+  const std::vector<std::string_view> parts = ascii::split(datePart, '-');
   if (parts.size() != 3) {
     return false;
   }
-  if (allDigits(parts[0]) && parts[0].size() == 4 && allDigits(parts[1]) && allDigits(parts[2])) {
-    f.year = number(parts[0]);
+  if (ascii::allDigits(parts[0]) && parts[0].size() == 4 && ascii::allDigits(parts[1]) &&
+      ascii::allDigits(parts[2])) {
+    f.year = ascii::number(parts[0]);
     f.yearDigits = 4;
-    f.month = number(parts[1]);
-    f.day = number(parts[2]);
-  } else if (allDigits(parts[0]) && allDigits(parts[2])) {
+    f.month = ascii::number(parts[1]);
+    f.day = ascii::number(parts[2]);
+  } else if (ascii::allDigits(parts[0]) && ascii::allDigits(parts[2])) {
     const int month = nameIndex(ascii::lowered(parts[1]), kMonths.data(), kMonths.size());
     if (month < 0) {
       return false;
     }
-    f.day = number(parts[0]);
+    f.day = ascii::number(parts[0]);
     f.month = month + 1;
-    f.year = number(parts[2]);
+    f.year = ascii::number(parts[2]);
     f.yearDigits = static_cast<int>(parts[2].size());
   } else {
     return false;
@@ -267,7 +231,7 @@ bool readToken(std::string_view token, Fields& f) {
   if (isDigit(token[0]) && colon != std::string_view::npos) {
     return readTime(token, f);
   }
-  if (allDigits(token)) {
+  if (ascii::allDigits(token)) {
     readNumber(token, f);
     return true;
   }

@@ -3,13 +3,24 @@
 #include <gmime/gmime.h>
 
 #include "common/MimeHeaders.h"
+#include "domail/GmailLabels.h"
 #include "domail/MailDate.h"
 #include "domail/MessageDate.h"
 
 namespace quillery::tools {
 namespace {
 
+// A stretch of an mbox file between two postmarks may hold text that opens with no header
+// block; it is kept as a message without headers, its text the body, rather than lost.
+bool withoutHeaders(std::string_view source) {
+  return !MimeHeaders::startsWithField(source) && !source.starts_with("\n") &&
+         !source.starts_with("\r\n");
+}
+
 std::string_view headerBlock(const std::string& source) {
+  if (withoutHeaders(source)) {
+    return {};
+  }
   return std::string_view(source).substr(0, MimeHeaders::headerEnd(source));
 }
 
@@ -45,7 +56,12 @@ std::string MessageConverter::dateText(const RawMessage& raw) const {
 
 bool MessageConverter::convert(const RawMessage& raw, ParsedMessage& out,
                                const std::function<void()>& onPartWork) {
-  GMimeStream* stream = g_mime_stream_mem_new_with_buffer(raw.source.data(), raw.source.size());
+  std::string_view source = raw.source;
+  if (withoutHeaders(source)) {
+    headerless_.assign(1, '\n').append(source);  // an empty header block before the text
+    source = headerless_;
+  }
+  GMimeStream* stream = g_mime_stream_mem_new_with_buffer(source.data(), source.size());
   GMimeParser* parser = g_mime_parser_new_with_stream(stream);
   g_mime_parser_set_format(parser, GMIME_FORMAT_MESSAGE);
   GMimeMessage* message = g_mime_parser_construct_message(parser, parserOptions_);
@@ -61,6 +77,11 @@ bool MessageConverter::convert(const RawMessage& raw, ParsedMessage& out,
 
   std::string mailbox;
   CharsetDecoder::appendLenientUtf8(raw.mailbox, mailbox);
+  if (raw.labelsNameMailbox) {
+    if (const std::optional<std::string> labels = header("X-Gmail-Labels")) {
+      mailbox = GmailLabels::mailbox(headerText_.decode(*labels, charset)).value_or(mailbox);
+    }
+  }
   out.mailbox = HeaderText::singleLine(mailbox);
   std::optional<std::string> from = header("From");
   if (!from) {

@@ -57,7 +57,7 @@ std::time_t MessageDate::of(const RawMessage& raw, std::string_view headers, std
     return *when;
   }
   for (const std::optional<std::time_t>& store :
-       {raw.postmarkDate, raw.plistDateReceived, raw.fileModified}) {
+       {raw.postmarkDate, raw.deliveredDate, raw.plistDateReceived, raw.fileModified}) {
     if (store) {
       return *store;
     }

@@ -10,8 +10,8 @@ namespace quillery::tools {
 
 // When a message was sent, as well as the message and its store can tell: the Date header;
 // when that is missing or unreadable, the emlx property list's date-sent, the date of the
-// newest Received header that carries one, the mbox postmark's date, the emlx date-received,
-// the file's modification time, and last `now`.
+// newest Received header that carries one, the mbox postmark's date, the delivery time in a
+// Maildir file's name, the emlx date-received, the file's modification time, and last `now`.
 class MessageDate {
  public:
   // `headers` is the message's header block (the source up to the empty line).

@@ -6,39 +6,12 @@
 #include "common/AsciiText.h"
 
 namespace quillery::tools {
-namespace {
-
-std::string_view trimmed(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) {
-    s.remove_prefix(1);
-  }
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t')) {
-    s.remove_suffix(1);
-  }
-  return s;
-}
-
-std::string percentDecoded(std::string_view s) {
-  std::string out;
-  for (std::size_t i = 0; i < s.size(); ++i) {
-    if (s[i] == '%' && i + 2 < s.size() && ascii::hexValue(s[i + 1]) >= 0 &&
-        ascii::hexValue(s[i + 2]) >= 0) {
-      out += static_cast<char>(ascii::hexValue(s[i + 1]) * 16 + ascii::hexValue(s[i + 2]));
-      i += 2;
-    } else {
-      out += s[i];
-    }
-  }
-  return out;
-}
-
-}  // namespace
 
 MimeParameters::MimeParameters(std::string_view rawValue) {
   const std::string line = HeaderText::unfold(rawValue);
   const std::string_view s = line;
   std::size_t i = s.find(';');
-  token_ = ascii::lowered(trimmed(s.substr(0, i)));
+  token_ = ascii::lowered(ascii::trimmedBlanks(s.substr(0, i)));
   while (i != std::string_view::npos && i < s.size()) {
     ++i;  // past ';'
     const std::size_t eq = s.find('=', i);
@@ -50,7 +23,7 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
       i = semicolon;  // "a; ; b=c" or a bare word
       continue;
     }
-    std::string key = ascii::lowered(trimmed(s.substr(i, eq - i)));
+    std::string key = ascii::lowered(ascii::trimmedBlanks(s.substr(i, eq - i)));
     std::size_t v = eq + 1;
     while (v < s.size() && (s[v] == ' ' || s[v] == '\t')) {
       ++v;
@@ -67,8 +40,8 @@ MimeParameters::MimeParameters(std::string_view rawValue) {
       i = s.find(';', v);
     } else {
       i = s.find(';', v);
-      p.value =
-          std::string(trimmed(s.substr(v, i == std::string_view::npos ? s.size() - v : i - v)));
+      p.value = std::string(
+          ascii::trimmedBlanks(s.substr(v, i == std::string_view::npos ? s.size() - v : i - v)));
     }
     if (!key.empty() && key.back() == '*') {
       p.extended = true;
@@ -142,7 +115,7 @@ std::optional<std::string> MimeParameters::decoded(std::string_view name, Header
         value.remove_prefix(q2 + 1);
       }
     }
-    bytes += p->extended ? percentDecoded(value) : std::string(value);
+    bytes += p->extended ? ascii::hexEscapesDecoded(value, '%') : std::string(value);
     first = false;
   }
   if (charset.empty() && bytes.find("=?") != std::string::npos) {

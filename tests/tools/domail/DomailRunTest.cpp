@@ -8,10 +8,12 @@
 #include <filesystem>
 
 #include "ToolRun.h"
-#include "domail/DomailDriver.h"
+#include "support/driver/DomailDriver.h"
 
 namespace quillery::tools::test {
 namespace {
+
+using ::quillery::test::DomailDriver;
 
 std::string message(const std::string& subject,
                     const std::string& date = "Mon, 7 Jan 2019 10:00:00 +0000",
@@ -175,6 +177,34 @@ TEST(DomailRunTest, OddMessagesNeverEndARecordEarlyAndAreAlwaysAnswerable) {
   EXPECT_EQ(run.messages[1].record.body, "no subject") << "the next record starts whole";
   // In the raw file only the lines that the raw reader would skip or stop at get a blank.
   EXPECT_EQ(run.messages[0].raw, tricky(" "));
+}
+
+// Text between two postmarks that opens with no header block is a message without headers,
+// dated by its postmark; lines in it that look like headers stay body text, and the file is
+// not named invalid for it.
+TEST(DomailRunTest, TextBetweenPostmarksWithoutHeadersIsAMessageOfItsOwn) {
+  ScratchDir dir;
+  const std::string odd =
+      "Just some text\nSubject: not a header here\nDate: Tue, 1 Jan 2030 10:00:00 +0000\n\n"
+      "and a last line\n";
+  const std::string indented = "\tindented words\r\nFrom: nobody@example.com\r\n";
+  writeFile(dir / "odd.mbox", mbox({message("first")}) + "From b@c Sun Mar  3 13:14:15 2019\n" +
+                                  odd + "\n" + mbox({message("last")}));
+  writeFile(dir / "opens.mbox", "From x@y Fri Feb  1 08:00:00 2019\n" + indented);
+  ToolRequest request;
+  request.sources = {dir / "odd.mbox", dir / "opens.mbox"};
+  const ToolOutcome run = runTool(request);
+  const std::string sender = "|Sender <sender@example.com>|owner@example.org|";
+  EXPECT_EQ(run.records(),
+            (std::vector<std::string>{
+                "odd.mbox" + sender + "first|2019-01-07 10:00:00|sender@example.com|Hello.",
+                "odd.mbox||||2019-03-03 13:14:15||" + odd.substr(0, odd.size() - 1),
+                "odd.mbox" + sender + "last|2019-01-07 10:00:00|sender@example.com|Hello.",
+                "opens.mbox||||2019-02-01 08:00:00||indented words\nFrom: nobody@example.com"}));
+  EXPECT_EQ(run.messages.at(1).raw, odd) << "the source is kept as it stands";
+  EXPECT_EQ(run.invalid, std::vector<std::string>{});
+  EXPECT_EQ(run.parsed, 4);
+  EXPECT_EQ(run.faults, 0);
 }
 
 TEST(DomailRunTest, EndOfInputSignalsAndAClosedOutputEndTheRunCleanly) {

@@ -20,6 +20,15 @@ std::string StoredRecord::Attachment::bytes() const {
   return encoding.find("base64") == std::string::npos ? blob : Base64Text::decode(blob);
 }
 
+std::string StoredRecord::whole() const {
+  std::string out =
+      mailbox + "|" + from + "|" + to + "|" + subject + "|" + date + "|" + mailto + "|" + body;
+  for (const Attachment& a : attachments) {
+    out += "|" + a.filename + " " + a.type + " " + a.encoding + " " + a.bytes();
+  }
+  return out;
+}
+
 StoredRecord StoredRecord::read(const std::string& text) {
   static const std::map<std::string, std::string StoredRecord::*> kHeaders = {
       {"MAILBOX:", &StoredRecord::mailbox}, {"FROM:", &StoredRecord::from},

@@ -18,6 +18,10 @@ struct StoredRecord {
   std::vector<Attachment> attachments;
   bool ended = false;  // the ENDOFEMAIL: line was reached
 
+  // Every field in one line of text, "MAILBOX|FROM|TO|SUBJECT|DATE|MAILTO|BODY", then
+  // "|FILENAME TYPE ENCODING BYTES" for each attachment: records compared whole.
+  std::string whole() const;
+
   static StoredRecord read(const std::string& text);
   // The source as the raw-file reader rebuilds it: "RAW:" lines skipped, up to "ENDOFRAW:".
   static std::string readRaw(const std::string& text);

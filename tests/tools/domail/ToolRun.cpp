@@ -6,13 +6,16 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
-#include "domail/DomailDriver.h"
 #include "support/TestEnvironment.h"
+#include "support/driver/DomailDriver.h"
 
 namespace quillery::tools::test {
 
 namespace fs = std::filesystem;
+
+using ::quillery::test::DomailDriver;
 
 void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
   fs::create_directories(fs::path(path).parent_path());
@@ -78,7 +81,21 @@ ToolOutcome runTool(const ToolRequest& request) {
   const std::string log = readFile(runLog);
   const std::size_t parsed = log.rfind("PARSED: ");  // the last one counts
   outcome.parsed = parsed == std::string::npos ? -1 : std::stol(log.substr(parsed + 8));
+  std::istringstream lines(log);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.starts_with("INVALID: ")) {
+      outcome.invalid.push_back(line.substr(9));
+    }
+  }
   return outcome;
+}
+
+std::vector<std::string> ToolOutcome::records() const {
+  std::vector<std::string> out;
+  for (const AnnouncedMessage& m : messages) {
+    out.push_back(m.record.whole());
+  }
+  return out;
 }
 
 std::string ToolOutcome::subjects() const {

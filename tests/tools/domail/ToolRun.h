@@ -41,13 +41,15 @@ struct AnnouncedMessage {
 
 struct ToolOutcome {
   std::vector<AnnouncedMessage> messages;
-  long parsed = -1;  // the run log's PARSED line
+  long parsed = -1;                  // the run log's PARSED line
+  std::vector<std::string> invalid;  // the paths of its INVALID lines
   int exitStatus = -1;
   int attachmentStatuses = 0;
   // Protocol faults that would hurt the application: output before an answer, chunks that
   // are not UTF-8, a record without its end.
   int faults = 0;
-  std::string subjects() const;  // the records' subjects in order, joined by "|"
+  std::string subjects() const;              // the records' subjects in order, joined by "|"
+  std::vector<std::string> records() const;  // each record whole (StoredRecord::whole)
 };
 
 // Runs the real tool as the store run does, answering every announcement after reading the

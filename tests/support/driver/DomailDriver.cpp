@@ -1,4 +1,4 @@
-#include "domail/DomailDriver.h"
+#include "support/driver/DomailDriver.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -11,33 +11,14 @@
 #include <cerrno>
 #include <string_view>
 
+#include <QByteArray>
+#include <QStringDecoder>
+
+#include "ingest/ToolChunk.h"
+
 extern char** environ;
 
-namespace quillery::tools {
-namespace {
-
-constexpr std::string_view kAttachment = "attachment\n";
-constexpr std::string_view kSearching = "Looking for email";
-
-bool validUtf8(std::string_view s) {
-  std::size_t i = 0;
-  while (i < s.size()) {
-    const auto c = static_cast<unsigned char>(s[i]);
-    const std::size_t length = c < 0x80 ? 1 : c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC2 ? 2 : 0;
-    if (length == 0 || i + length > s.size()) {
-      return false;
-    }
-    for (std::size_t k = 1; k < length; ++k) {
-      if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) {
-        return false;
-      }
-    }
-    i += length;
-  }
-  return true;
-}
-
-}  // namespace
+namespace quillery::test {
 
 DomailDriver::~DomailDriver() {
   if (pid_ > 0) {
@@ -130,23 +111,29 @@ std::optional<std::string> DomailDriver::nextAnnouncement(int timeoutMs) {
     if (got <= 0) {
       return std::nullopt;
     }
-    std::string chunk(buffer, static_cast<std::size_t>(got));
-    if (!validUtf8(chunk)) {
-      ++invalidChunks_;
+    const QByteArray chunk(buffer, static_cast<int>(got));
+    QStringDecoder utf8(QStringDecoder::Utf8);
+    (void)utf8.decode(chunk);
+    invalidChunks_ += utf8.hasError() ? 1 : 0;
+    const ingest::ToolChunk sorted = ingest::ToolChunk::read(chunk);
+    switch (sorted.kind) {
+      case ingest::ToolChunk::Kind::AttachmentStatus:
+        ++attachmentStatuses_;
+        continue;
+      case ingest::ToolChunk::Kind::SearchingStatus:
+        ++searchingStatuses_;
+        continue;
+      case ingest::ToolChunk::Kind::Announcement:
+        break;
     }
-    if (chunk.ends_with(kAttachment)) {
-      ++attachmentStatuses_;
-      continue;
+    const QByteArray text = sorted.announcement.toUtf8();
+    if (!utf8.hasError()) {
+      // What the rule stripped in front of the announcement were statuses too.
+      const QByteArray stripped = chunk.left(chunk.size() - text.size());
+      attachmentStatuses_ += static_cast<int>(stripped.count("attachment\n"));
+      searchingStatuses_ += static_cast<int>(stripped.count("Looking for email"));
     }
-    if (chunk.ends_with(kSearching)) {
-      ++searchingStatuses_;
-      continue;
-    }
-    while (chunk.starts_with(kAttachment)) {
-      chunk.erase(0, kAttachment.size());
-      ++attachmentStatuses_;
-    }
-    return chunk;
+    return text.toStdString();
   }
   return std::nullopt;
 }
@@ -210,4 +197,4 @@ int DomailDriver::wait(int timeoutMs) {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-}  // namespace quillery::tools
+}  // namespace quillery::test

@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
-namespace quillery::tools {
+namespace quillery::test {
 
 // Plays the application's part of a store run against the real tool, for tests and
 // benchmarks: starts domail (through /usr/bin/nice when it exists, with NSUnbufferedIO=YES,
 // as the application does), takes every read of the tool's output as one chunk and sorts it
-// exactly as the store run does: a chunk ending in "attachment\n" or "Looking for email" is
-// a status, anything else announces a message (leading "attachment\n" texts stripped) and
-// must be answered with "go for it" before the tool writes again.
+// with the store run's own rule (ingest::ToolChunk): a status, or the announcement of a
+// message, which must be answered with "go for it" before the tool writes again.
 class DomailDriver {
  public:
   // `throughNice` false starts the tool directly, at the caller's priority.
@@ -28,7 +27,8 @@ class DomailDriver {
   bool start(const std::vector<std::string>& arguments,
              const std::vector<std::string>& environment = {});
 
-  // Reads chunks until the next announcement and returns it; statuses are counted on the
+  // Reads chunks until the next announcement and returns its text as the application
+  // takes it (UTF-8); statuses, also those that arrived in front of it, are counted on the
   // way. Returns nothing when the tool closed its output, or when nothing came for
   // `timeoutMs` (timedOut() then says so), so a broken tool fails a test instead of hanging
   // it.
@@ -50,7 +50,7 @@ class DomailDriver {
   int attachmentStatuses() const { return attachmentStatuses_; }
   int searchingStatuses() const { return searchingStatuses_; }
   bool timedOut() const { return timedOut_; }
-  // Chunks that were not valid UTF-8 (the application would show a placeholder).
+  // Chunks that were not valid UTF-8 (the application shows a placeholder for them).
   int invalidChunks() const { return invalidChunks_; }
 
  private:
@@ -65,4 +65,4 @@ class DomailDriver {
   bool timedOut_ = false;
 };
 
-}  // namespace quillery::tools
+}  // namespace quillery::test
