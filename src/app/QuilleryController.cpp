@@ -37,6 +37,7 @@
 #include "app/TagPanel.h"
 #include "app/WindowFrames.h"
 #include "ingest/StorePaths.h"
+#include "ingest/StorePreparation.h"
 #include "ingest/StoreRun.h"
 #include "platform/Dialogs.h"
 #include "platform/Files.h"
@@ -75,6 +76,8 @@ QuilleryController::QuilleryController(AppPorts ports, const QString& toolsDir, 
   storeRun_ = std::make_unique<ingest::StoreRun>(archive, *resultList_, message, counters,
                                                  ports_.dialogs, *ProgressPanel,
                                                  toolsFolder(toolsDir) + QStringLiteral("/domail"));
+  storePreparation_ =
+      std::make_unique<ingest::StorePreparation>(archive, ports_.dialogs, counters, *storeRun_);
   preferences_ = std::make_unique<Preferences>(*prefPanel, prefs, mailSources, categories,
                                                ports_.settings, ports_.dialogs, homeDir);
   frames_ = std::make_unique<WindowFrames>(ports_.settings);
@@ -87,7 +90,7 @@ QuilleryController::QuilleryController(AppPorts ports, const QString& toolsDir, 
   exportBinding_ = std::make_unique<ExportBinding>(*context_);
   maintenanceBinding_ = std::make_unique<MaintenanceBinding>(*context_);
   storeBinding_ = std::make_unique<StorePanelBinding>(*msWindow, *storeDatePanel, *SQLPanel,
-                                                      *resultList_, *storeRun_);
+                                                      *resultList_, *storePreparation_, *storeRun_);
   connect(storeBinding_.get(), &StorePanelBinding::listFontWanted, this,
           &QuilleryController::applyListFont);
   connect(storeRun_.get(), &ingest::StoreRun::finished, this,
@@ -298,6 +301,7 @@ const QHash<QString, QuilleryController::ActionSlot>& QuilleryController::action
       {QStringLiteral("newDbPath"), &C::newDbPath},
       {QStringLiteral("openDbPath"), &C::openDbPath},
       {QStringLiteral("openMbox"), &C::openMbox},
+      {QStringLiteral("openMailFolder"), &C::openMailFolder},
       {QStringLiteral("convertDBFormat"), &C::convertDBFormat},
       {QStringLiteral("performClose"), &C::performClose},
       {QStringLiteral("terminate"), &C::terminate},
@@ -398,15 +402,19 @@ void QuilleryController::cancelPrefs() {
 }
 
 void QuilleryController::setStoreDate() {
-  storeRun_->setStoreDate(dbPath());
+  storePreparation_->setStoreDate(dbPath());
 }
 
 void QuilleryController::openMbox() {
-  storeRun_->openMbox();
+  storePreparation_->openMbox();
+}
+
+void QuilleryController::openMailFolder() {
+  storePreparation_->openMailFolder();
 }
 
 void QuilleryController::cancelStore() {
-  storeRun_->cancelStore();
+  storePreparation_->cancelStore();
 }
 
 void QuilleryController::parseEmail() {
@@ -414,7 +422,9 @@ void QuilleryController::parseEmail() {
                                        prefs.htmlState != 0,  prefs.trashState != 0,
                                        prefs.origState != 0,  prefs.mailboxesState != 0};
   const ingest::StoreSources sources{prefs.accountList, prefs.mailboxList};
-  if (storeRun_->parseEmail(dbPath(), switches, storeDatePanel->range(), sources))
+  const std::optional<ingest::StoreRequest> request =
+      storePreparation_->prepareRun(dbPath(), switches, storeDatePanel->range(), sources);
+  if (request && storeRun_->start(*request))
     preferences_->setMailboxListingBlocked(true);
 }
 

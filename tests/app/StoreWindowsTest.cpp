@@ -15,7 +15,6 @@
 #include <memory>
 
 #include "AppFixture.h"
-#include "MailFixtures.h"
 #include "app/DatePopUp.h"
 #include "app/MainWindow.h"
 #include "app/Preferences.h"
@@ -27,6 +26,7 @@
 #include "ingest/StoreRun.h"
 #include "search/EmailTableModel.h"
 #include "search/ResultList.h"
+#include "support/MailFixtures.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::app {
@@ -90,6 +90,32 @@ class StoreWindowsTest : public AppFixture {
     return QFileInfo(test::toolPath(QStringLiteral("domail"))).isExecutable();
   }
 };
+
+TEST_F(StoreWindowsTest, AMailFolderChosenFromTheFileMenuIsStoredUnderItsName) {
+  if (!haveDomail())
+    GTEST_SKIP() << "domail is not built in " << test::toolsDir().toStdString();
+  // A Maildir as mutt or mbsync keeps it: one message delivered, one read, none arriving.
+  const QString maildir = dir.filePath(QStringLiteral("Maildir"));
+  for (const char* sub : {"cur", "new", "tmp"})
+    ASSERT_TRUE(QDir().mkpath(maildir + '/' + QLatin1String(sub)));
+  ASSERT_TRUE(test::writeFile(maildir + "/new/1700000000.1.host", test::MailFixtures::message(0)));
+  ASSERT_TRUE(
+      test::writeFile(maildir + "/cur/1700000001.2.host:2,S", test::MailFixtures::message(1)));
+  QuilleryController& app = start();
+  dialogs.setNextFileNames({maildir});
+  app.menuActions.value(QStringLiteral("openMailFolder"))->trigger();
+  ASSERT_EQ(dialogs.openPanels.size(), 1);
+  EXPECT_EQ(dialogs.openPanels.first().title, "Import Mail Folder");
+  EXPECT_FALSE(dialogs.openPanels.first().filesOnly);
+  ASSERT_TRUE(app.storeDatePanel->isVisible());
+
+  ASSERT_TRUE(storeFromDatePanel(app));
+  EXPECT_EQ(app.storePanel->listCountTextField->text(), "2 emails in this list.");
+  QStringList mailboxes;
+  for (const search::Emailrow& row : app.resultList().emailRows)
+    mailboxes.append(row.emailMailbox().trimmed());
+  EXPECT_EQ(mailboxes, (QStringList{"Maildir", "Maildir"}));
+}
 
 TEST_F(StoreWindowsTest, TheStoreDatePanelStartsOnTheNewestStoredDay) {
   makeArchive(defaultDbPath(),

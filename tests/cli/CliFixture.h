@@ -6,7 +6,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::cli {

@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "CliFixture.h"
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 #include "archive/TestFiles.h"
 #include "support/TestEnvironment.h"
 

@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 #include "archive/TestFiles.h"
 #include "support/TestEnvironment.h"
 

@@ -63,16 +63,18 @@ QString corpusArchive() {
   ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
                        test::toolPath(QStringLiteral("domail")));
   const QString path = dir.filePath(QStringLiteral("corpus.db"));
-  const ingest::StoreSwitches switches{false, true, true, false, true, false};
   for (const bool mbox : {true, false}) {
     QSignalSpy finished(&run, &ingest::StoreRun::finished);
-    run.mboxMode = mbox;
-    run.sourceList.clear();
+    ingest::StoreRequest request;
+    request.dbPath = path;
+    request.switches = {false, true, true, false, true, false};
+    request.mboxMode = mbox;
     for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}, QDir::Files))
       if (mbox)
-        run.sourceList.append(corpus + "/mbox/" + name);
-    const ingest::StoreSources sources{mbox ? QStringList() : accounts, {}};
-    if (!run.parseEmail(path, switches, {}, sources) || !finished.wait(120000))
+        request.mboxFiles.append(corpus + "/mbox/" + name);
+    if (!mbox)
+      request.sources.accountList = accounts;
+    if (!run.start(request) || !finished.wait(120000))
       return {};
   }
   stored = path;

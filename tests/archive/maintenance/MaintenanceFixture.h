@@ -5,7 +5,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 #include "archive/Archive.h"
 #include "archive/TestFiles.h"
 #include "search/ResultList.h"

@@ -5,7 +5,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 #include "StoreRunFixture.h"
 
 namespace quillery::ingest {
@@ -35,11 +35,17 @@ TEST_F(StoreRunEndToEndTest, GeneratedMailIsStoredFieldByField) {
 
   EXPECT_EQ(summary, QStringLiteral("Parsed: 60\nProcessed: 60\nStored: 60\nDuplicates "
                                     "replaced: 0\nlast file parsed: ") +
-                         run->lastProgressText + QLatin1Char('\n'));
-  EXPECT_TRUE(run->lastProgressText.contains(MailFixtures::subject(59)));
+                         run->lastProgressText() + QLatin1Char('\n'));
+  EXPECT_TRUE(run->lastProgressText().contains(MailFixtures::subject(59)));
   // No SQL error was logged: the store log holds the summary alone.
   EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".storelog")), summary);
   EXPECT_EQ(list.listCount, 60);
+  // Every tenth message read redraws the count while the run stores (the listing at the end
+  // counts again).
+  EXPECT_EQ(progress.events.mid(0, progress.events.indexOf(QStringLiteral("close")))
+                .filter(QStringLiteral("count:")),
+            (QStringList{"count:0", "count:10", "count:20", "count:30", "count:40", "count:50",
+                         "count:60"}));
   EXPECT_EQ(rows(QStringLiteral("SELECT count(*), (SELECT count(*) FROM origemail), (SELECT "
                                 "count(*) FROM attachments) FROM email")),
             QStringList{"60|60|12"});  // every fifth message has an attachment
@@ -116,8 +122,8 @@ TEST_F(StoreRunEndToEndTest, AlertsAndOtherActionsDuringARunLeaveItsMessagesWhol
       return;
     tried = true;
     ASSERT_TRUE(run->isRunning());
-    EXPECT_FALSE(run->setStoreDate(dbPath()).has_value());
-    EXPECT_FALSE(run->openMbox());
+    EXPECT_FALSE(preparation->setStoreDate(dbPath()).has_value());
+    EXPECT_FALSE(preparation->openMbox());
   };
   storeMbox({mbox});
 

@@ -10,6 +10,7 @@
 
 #include "archive/Archive.h"
 #include "archive/TestFiles.h"
+#include "ingest/StorePreparation.h"
 #include "ingest/StoreRun.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
@@ -42,8 +43,12 @@ class StoreRunFixture : public ::testing::Test {
     makeRun(test::toolPath(QStringLiteral("domail")));
   }
 
-  void makeRun(const QString& tool) {
-    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool);
+  // A new run with this tool, and a new preparation for it.
+  void makeRun(const QString& tool, CommitInterval interval = {}) {
+    preparation.reset();
+    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool,
+                                     interval);
+    preparation = std::make_unique<StorePreparation>(archive, dialogs, counters, *run);
   }
 
   QString dbPath() const { return dir.filePath(QStringLiteral("archive")); }
@@ -54,7 +59,9 @@ class StoreRunFixture : public ::testing::Test {
   QString runToEnd(const StoreSwitches& switches, const StoreSources& sources = {},
                    const StoreDateRange& dates = {}) {
     QSignalSpy finished(run.get(), &StoreRun::finished);
-    if (!run->parseEmail(dbPath(), switches, dates, sources))
+    const std::optional<StoreRequest> request =
+        preparation->prepareRun(dbPath(), switches, dates, sources);
+    if (!request || !run->start(*request))
       return {};
     if (finished.isEmpty() && !finished.wait(120000))
       return QStringLiteral("(the run did not end)");
@@ -62,8 +69,7 @@ class StoreRunFixture : public ::testing::Test {
   }
 
   QString storeMbox(const QStringList& files, const StoreSwitches& switches = allOn()) {
-    run->sourceList = files;
-    run->mboxMode = true;
+    preparation->useMboxFiles(files);
     return runToEnd(switches);
   }
 
@@ -81,6 +87,7 @@ class StoreRunFixture : public ::testing::Test {
   CurrentMessage message;
   StoreRunCounters counters;
   std::unique_ptr<StoreRun> run;
+  std::unique_ptr<StorePreparation> preparation;
 };
 
 }  // namespace quillery::ingest
