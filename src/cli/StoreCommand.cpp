@@ -15,6 +15,7 @@
 #include "cli/ConsoleProgress.h"
 #include "ingest/CurrentMessage.h"
 #include "ingest/StorePreparation.h"
+#include "ingest/StoreRun.h"
 #include "ingest/StoreRunCounters.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
