@@ -2,11 +2,10 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include "support/MailFixtures.h"
 #include "archive/TestFiles.h"
+#include "support/MailFixtures.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::test {
@@ -65,29 +64,6 @@ QString build(const QString& archive, const QString& work) {
 }
 
 }  // namespace
-
-ProgramResult runProgram(const QString& program, const QStringList& arguments,
-                         const QByteArray& input, const QString& home) {
-  QProcess process;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("TZ", "UTC");
-  if (!home.isEmpty()) {
-    environment.insert("HOME", home);
-    environment.insert("XDG_CONFIG_HOME", home + "/.config");
-  }
-  process.setProcessEnvironment(environment);
-  process.start(program, arguments);
-  process.write(input);
-  process.closeWriteChannel();
-  if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-    return {-1, {}, process.errorString()};
-  return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-          QString::fromUtf8(process.readAllStandardError())};
-}
-
-ProgramResult runCli(const QStringList& arguments, const QString& home) {
-  return runProgram(toolPath("quillery-cli"), arguments, {}, home);
-}
 
 QString StoredArchive::copyTo(const QString& path) {
   static QTemporaryDir work;

@@ -202,12 +202,14 @@ TEST_F(DatabaseMergeTest, WhatIsNotMergedIsRefusedBeforeTheArchiveIsTouched) {
   // A merge file that stops being an archive between its check and its attachment.
   const QString swapped = path(QStringLiteral("swapped.db"));
   makeArchive(swapped, "SELECT 1");
-  progress.atTitle = QStringLiteral("Merging...");
-  progress.action = [&] { test::writeFile(swapped, "no longer an archive"); };
+  progress.onEvent = [&](const QString& event) {
+    if (event == "open:Merging...")
+      test::writeFile(swapped, "no longer an archive");
+  };
   EXPECT_FALSE(merge(swapped));
   EXPECT_EQ(takeAlerts().value(1), "Merge Failed|" + swapped + " is not a valid database file.");
   EXPECT_EQ(integrity(dbPath) + counts(dbPath), "ok1|0|0|0");
-  progress.action = nullptr;
+  progress.onEvent = nullptr;
 
   // An archive that fails to open still leaves the merge file its missing tables.
   makeOldFormat(path(QStringLiteral("old.db")), QString());

@@ -135,11 +135,11 @@ TEST_F(FormatConversionTest, WhatCannotBeConvertedIsLeftAsItWasWithItsAlert) {
 TEST_F(FormatConversionTest, FaultsInTheRecountLeaveACurrentFileWithEveryRow) {
   // A count that cannot be stored is logged and the others are stored.
   makeOldFormat(dbPath, kOldRows);
-  progress.atTitle = QStringLiteral("Calculating number of attachments...");
-  progress.action = [&] {
-    archive.exec(
-        "CREATE TEMP TRIGGER refuse BEFORE UPDATE ON main.email WHEN NEW.id=1 BEGIN "
-        "SELECT RAISE(ABORT,'refused'); END");
+  progress.onEvent = [&](const QString& event) {
+    if (event == "open:Calculating number of attachments...")
+      archive.exec(
+          "CREATE TEMP TRIGGER refuse BEFORE UPDATE ON main.email WHEN NEW.id=1 BEGIN "
+          "SELECT RAISE(ABORT,'refused'); END");
   };
   ASSERT_TRUE(convert(dbPath));
   EXPECT_EQ(errorLines, QStringList{"SQL error updating number of attachments\n"});
