@@ -64,10 +64,8 @@ TEST_F(FormatConversionTest, AnOldArchiveKeepsEveryRowAndCountsItsAttachmentsThe
   EXPECT_EQ(takeAlerts(),
             (QStringList{question(dbPath), "|The pre-7.4.1 format database file " + dbPath +
                                                " has been converted to the new format."}));
-  EXPECT_EQ(
-      progress.events,
-      (QStringList{"controls:0", "open:Converting...", "close", "controls:0", "controls:count:1",
-                   "open:Calculating number of attachments...", "count:0", "close"}));
+  EXPECT_EQ(progress.events.filter("open:"),
+            (QStringList{"open:Converting...", "open:Calculating number of attachments..."}));
   EXPECT_EQ(panelClosed, 2);
   EXPECT_EQ(list.listCount + archive.idCount + archive.idList.size(), 0);
   EXPECT_TRUE(archive.isOpen());
