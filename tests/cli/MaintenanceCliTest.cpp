@@ -15,10 +15,6 @@ class MaintenanceCliTest : public CliFixture {
     CliFixture::SetUp();
     ASSERT_EQ(cli({"store", "--archive", archive, "--mbox", mbox(12)}).exitCode, 0);
   }
-  QByteArray bytes(const QString& file) const {
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-  }
   const QString archive = homeDir.filePath(QStringLiteral("mail.db"));
 };
 
@@ -28,7 +24,7 @@ TEST_F(MaintenanceCliTest, ABackupIsKeptAndRestoredOnlyWithYes) {
   EXPECT_EQ(backup.exitCode, 0) << backup.err.toStdString();
   EXPECT_EQ(backup.out, "Backup is done: Copied From:\n" + archive + "\nTo:\n" + bak + '\n');
   EXPECT_EQ(backup.err, QString());
-  EXPECT_EQ(bytes(bak), bytes(archive));
+  EXPECT_EQ(test::bytesOf(bak), test::bytesOf(archive));
   EXPECT_TRUE(readFile(home() + "/.config/Quillery/Quillery.conf").contains("backupPath=" + bak));
 
   ASSERT_EQ(test::execOn(archive, "DELETE FROM email"), QString());
@@ -57,7 +53,7 @@ TEST_F(MaintenanceCliTest, ABackupOntoAFullDiskFailsAndTheArchiveStaysWhole) {
           QStringLiteral("/usr/bin/unshare"))
           .exitCode != 0)
     GTEST_SKIP() << "no small file system can be mounted here (needs root and unshare)";
-  const QByteArray before = bytes(archive);
+  const QByteArray before = test::bytesOf(archive);
   ASSERT_GT(before.size(), 16 * 1024);
   const QString target = small + QStringLiteral("/mail.bak");
   const CliResult full = cli(
@@ -69,7 +65,7 @@ TEST_F(MaintenanceCliTest, ABackupOntoAFullDiskFailsAndTheArchiveStaysWhole) {
   EXPECT_EQ(full.exitCode, 1);
   EXPECT_EQ(full.err, "Backup failed: Unable to copy " + archive + " to " + target + '\n');
   EXPECT_EQ(full.out, QString());  // and no partial backup was left on the small disk
-  EXPECT_EQ(bytes(archive), before);
+  EXPECT_EQ(test::bytesOf(archive), before);
   EXPECT_EQ(test::rowsOf(archive, "PRAGMA integrity_check"), QStringList{"ok"});
 }
 

@@ -1,6 +1,7 @@
 #include "support/TestEnvironment.h"
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 
@@ -12,6 +13,11 @@ QString toolsDir() {
 
 QString toolPath(const QString& name) {
   return toolsDir() + QLatin1Char('/') + name;
+}
+
+QByteArray bytesOf(const QString& path) {
+  QFile file(path);
+  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QString corpusDir() {

@@ -10,6 +10,8 @@ namespace quillery::test {
 QString toolsDir();
 QString corpusDir();  // empty when ../shared/corpus is not there
 QString toolPath(const QString& name);
+// The file's bytes; empty when it cannot be read.
+QByteArray bytesOf(const QString& path);
 
 // What a program did: its exit code (-1 when it did not start or end normally) and output.
 struct ProgramResult {
