@@ -5,7 +5,6 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <ctime>
-#include <functional>
 #include <memory>
 
 #include "archive/Archive.h"
@@ -19,18 +18,6 @@
 #include "support/TestEnvironment.h"
 
 namespace quillery::ingest {
-
-// Progress that can act when the run shows a given count, as a user pressing cancel would.
-class ActingProgress : public test::FakeProgress {
- public:
-  void showCount(const QString& text) override {
-    FakeProgress::showCount(text);
-    if (text == atCount && action)
-      action();
-  }
-  QString atCount;
-  std::function<void()> action;
-};
 
 // A store run over real objects: a real archive file in a temporary folder, the real result
 // list and, unless a test says otherwise, the real parser tool of the build.
@@ -80,7 +67,7 @@ class StoreRunFixture : public ::testing::Test {
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;
-  ActingProgress progress;
+  test::FakeProgress progress;
   platform::QtFiles files;
   archive::Archive archive{dialogs, files};
   search::ResultList list{archive, dialogs, progress};
