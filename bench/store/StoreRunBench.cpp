@@ -183,8 +183,12 @@ void storePass(const char* name, const QString& dbPath, int messages) {
   ingest::StoreRunCounters counters;
   ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
                        QCoreApplication::applicationFilePath());
-  run.sourceList = {QStringLiteral("generated.mbox")};
-  run.mboxMode = true;
+  // Fresh counters, as a preparation leaves them; no confirmation to answer.
+  ingest::StoreRequest request;
+  request.dbPath = dbPath;
+  request.switches = {false, true, true, false, true, false};
+  request.mboxMode = true;
+  request.mboxFiles = {QStringLiteral("generated.mbox")};
   QString summary;
   QEventLoop loop;
   QObject::connect(&run, &ingest::StoreRun::finished, &loop, [&](const QString& text) {
@@ -194,7 +198,7 @@ void storePass(const char* name, const QString& dbPath, int messages) {
   const double selfBefore = cpuSeconds(RUSAGE_SELF);
   const double toolBefore = cpuSeconds(RUSAGE_CHILDREN);
   progress.clock.start();
-  if (!run.parseEmail(dbPath, {false, true, true, false, true, false}, {}, {}))
+  if (!run.start(request))
     return;
   loop.exec();
   const double seconds = progress.clock.nsecsElapsed() / 1e9;

@@ -32,6 +32,7 @@ const std::vector<Menu>& menus() {
         {"openDbPath", "Open Archive File…", "Ctrl+O"},
         kSeparator,
         {"openMbox", "Import MBOX Files…", "Ctrl+I", "Import Mbox"},
+        {"openMailFolder", "Import Mail Folder…", "Ctrl+Shift+O"},
         kSeparator,
         {"convertDBFormat", "Convert Database to New Format"},
         kSeparator,

@@ -19,8 +19,9 @@ class QComboBox;
 class QFontDialog;
 
 namespace quillery::ingest {
+class StorePreparation;
 class StoreRun;
-}
+}  // namespace quillery::ingest
 namespace quillery::search {
 class ResultList;
 }
@@ -137,6 +138,7 @@ class QuilleryController : public QObject {
   void cancelPrefs();
   void setStoreDate();
   void openMbox();
+  void openMailFolder();
   void cancelStore();
   void parseEmail();
   void cancelParse();
@@ -203,6 +205,7 @@ class QuilleryController : public QObject {
   std::unique_ptr<MainWindow> mainWindow_;
   std::unique_ptr<search::ResultList> resultList_;
   std::unique_ptr<ingest::StoreRun> storeRun_;
+  std::unique_ptr<ingest::StorePreparation> storePreparation_;
   std::unique_ptr<Preferences> preferences_;
   std::unique_ptr<WindowFrames> frames_;
   std::unique_ptr<AppContext> context_;

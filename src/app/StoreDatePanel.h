@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-#include "ingest/StoreRun.h"
+#include "ingest/StoreRequest.h"
 
 class QPushButton;
 

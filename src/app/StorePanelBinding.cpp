@@ -9,6 +9,7 @@
 #include "app/SqlPanel.h"
 #include "app/StoreDatePanel.h"
 #include "app/StorePanel.h"
+#include "ingest/StorePreparation.h"
 #include "ingest/StoreRun.h"
 #include "search/EmailTableModel.h"
 #include "search/ResultList.h"
@@ -17,12 +18,14 @@ namespace quillery::app {
 
 StorePanelBinding::StorePanelBinding(MainWindow& window, StoreDatePanel& datePanel,
                                      SqlPanel& sqlPanel, search::ResultList& list,
-                                     ingest::StoreRun& run, QObject* parent)
+                                     ingest::StorePreparation& preparation, ingest::StoreRun& run,
+                                     QObject* parent)
     : QObject(parent),
       window_(window),
       datePanel_(datePanel),
       sqlPanel_(sqlPanel),
       list_(list),
+      preparation_(preparation),
       run_(run),
       model_(new search::EmailTableModel(list, search::ResultList::kColumnIdentifiers, &window)) {
   QTableView* table = window_.storePanel()->storeTableView;
@@ -72,13 +75,15 @@ void StorePanelBinding::bindResultList() {
 
 void StorePanelBinding::bindStoreRun() {
   StorePanel* panel = window_.storePanel();
-  connect(&run_, &ingest::StoreRun::storeDatePanelShown, this, [this] {
+  connect(&preparation_, &ingest::StorePreparation::storeDatePanelShown, this, [this] {
     datePanel_.show();
     datePanel_.raise();
     datePanel_.activateWindow();
   });
-  connect(&run_, &ingest::StoreRun::storeDatePanelClosed, &datePanel_, &QWidget::hide);
-  connect(&run_, &ingest::StoreRun::beginStoreDateSelected, &datePanel_, &StoreDatePanel::setBegin);
+  connect(&preparation_, &ingest::StorePreparation::storeDatePanelClosed, &datePanel_,
+          &QWidget::hide);
+  connect(&preparation_, &ingest::StorePreparation::beginStoreDateSelected, &datePanel_,
+          &StoreDatePanel::setBegin);
   connect(&run_, &ingest::StoreRun::messageViewCleared, panel->bodyTextView, &QTextBrowser::clear);
   connect(&run_, &ingest::StoreRun::storePanelTitleChanged, panel, &QWidget::setWindowTitle);
   connect(&run_, &ingest::StoreRun::storePanelClosed, panel,

@@ -3,8 +3,9 @@
 #include <QObject>
 
 namespace quillery::ingest {
+class StorePreparation;
 class StoreRun;
-}
+}  // namespace quillery::ingest
 namespace quillery::search {
 class EmailTableModel;
 class ResultList;
@@ -25,7 +26,8 @@ class StorePanelBinding : public QObject {
 
  public:
   StorePanelBinding(MainWindow& window, StoreDatePanel& datePanel, SqlPanel& sqlPanel,
-                    search::ResultList& list, ingest::StoreRun& run, QObject* parent = nullptr);
+                    search::ResultList& list, ingest::StorePreparation& preparation,
+                    ingest::StoreRun& run, QObject* parent = nullptr);
 
   search::EmailTableModel& model() const { return *model_; }
 
@@ -41,6 +43,7 @@ class StorePanelBinding : public QObject {
   StoreDatePanel& datePanel_;
   SqlPanel& sqlPanel_;
   search::ResultList& list_;
+  ingest::StorePreparation& preparation_;
   ingest::StoreRun& run_;
   search::EmailTableModel* model_;
 };

@@ -29,13 +29,8 @@ struct TagRecord {
   QString tagNotes;
   bool tagFound = false;
 
-  void clearTags() {
-    tagCategory.clear();
-    tagKeywords.clear();
-    tagPriority.clear();
-    tagNotes.clear();
-    tagFound = false;
-  }
+  // What a caller does before the query: the four texts "" and tagFound false.
+  void clearTags() { *this = TagRecord(); }
 };
 
 // The ids idListCallback collects. Callers empty the list and zero the count first.

@@ -14,6 +14,8 @@
 #include "cli/ConsoleDialogs.h"
 #include "cli/ConsoleProgress.h"
 #include "ingest/CurrentMessage.h"
+#include "ingest/StorePreparation.h"
+#include "ingest/StoreRun.h"
 #include "ingest/StoreRunCounters.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
@@ -131,13 +133,15 @@ int StoreCommand::run(const QStringList& arguments) {
   ingest::CurrentMessage message;
   ingest::StoreRunCounters counters;
   ingest::StoreRun run(archive, list, message, counters, dialogs, progress, domail);
+  ingest::StorePreparation preparation(archive, dialogs, counters, run);
 
   ingest::StoreSources sources;
+  QStringList mboxFiles;
   switch (options.sourceKind) {
     case SourceKind::Mbox:
       for (const QString& file : options.sources)
-        run.sourceList.append(QFileInfo(file).absoluteFilePath());
-      run.mboxMode = true;
+        mboxFiles.append(QFileInfo(file).absoluteFilePath());
+      preparation.useMboxFiles(mboxFiles);
       break;
     case SourceKind::Accounts:
       sources.accountList = options.sources;
@@ -155,7 +159,9 @@ int StoreCommand::run(const QStringList& arguments) {
     QCoreApplication::quit();
   });
   cancelOnSignals(run, qApp);
-  if (!run.parseEmail(options.archivePath, options.switches, options.dates, sources))
+  const std::optional<ingest::StoreRequest> request =
+      preparation.prepareRun(options.archivePath, options.switches, options.dates, sources);
+  if (!request || !run.start(*request))
     return kFailed;
   QCoreApplication::exec();
   print(stdout, summary);

@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "ingest/StoreRun.h"
+#include "ingest/StoreRequest.h"
 
 namespace quillery::cli {
 

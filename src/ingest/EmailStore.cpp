@@ -2,7 +2,6 @@
 
 #include <sqlite3.h>
 
-#include "archive/Archive.h"
 #include "archive/RowCallbacks.h"
 #include "ingest/StoreLog.h"
 #include "platform/Dialogs.h"
@@ -13,6 +12,10 @@
 
 namespace quillery::ingest {
 namespace {
+
+// What a NUL character of a text becomes in its statement, which SQLite would read as the
+// statement's end.
+constexpr QChar kNulStandIn(0xFFFD);
 
 bool isNotADatabase(int code) {
   return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
@@ -102,9 +105,9 @@ void EmailStore::storeEmail(int numAttach) {
        {&headers_.from, &headers_.to, &headers_.subject, &headers_.mailto, &headers_.mailbox})
     text::SqlEscape::escapeSqlText(*field);
 
-  const archive::ExecResult found =
-      archive_.exec(duplicateStatement(m.recDate, headers_.to, headers_.from, headers_.subject),
-                    archive::singleValueCallback, &archive_);
+  QString duplicateTest =
+      duplicateStatement(m.recDate, headers_.to, headers_.from, headers_.subject);
+  const archive::ExecResult found = execute(duplicateTest, archive::singleValueCallback, &archive_);
   if (!found.ok())
     storeLog_.write(QStringLiteral("SQL error: ") + found.error + QLatin1Char('\n'));
   const int duplicate = text::leadingInt(archive_.sqlResult);
@@ -160,7 +163,7 @@ bool EmailStore::insertEmail(int numAttach) {
     appendQuotedEscaped(statement, m.storeBody);
     statement += QLatin1Char(',') + QString::number(numAttach) + QLatin1Char(')');
 
-    const archive::ExecResult result = archive_.exec(statement);
+    const archive::ExecResult result = execute(statement);
     if (result.ok()) {
       ++counters_.storedCount;
       m.lastStoredId = int(archive_.lastInsertRowId());
@@ -172,8 +175,7 @@ bool EmailStore::insertEmail(int numAttach) {
     }
     if (!secondAttempt)
       return false;  // given up without a word
-    storeLog_.write(QStringLiteral("SQL error for this email: ") + messageSuffix(result.code));
-    ++counters_.sqlErrorCount;
+    logFailure(QStringLiteral("SQL error for this email: ") + messageFields(result.code), result);
     m.recSubject.clear();
     headers_.subject.clear();
     secondAttempt = false;
@@ -197,7 +199,7 @@ bool EmailStore::insertTags() {
   appendQuoted(statement, m.tagNotes);
   statement += QLatin1Char(')');
   text::SqlEscape::removeNewlines(statement);
-  const archive::ExecResult result = archive_.exec(statement);
+  const archive::ExecResult result = execute(statement);
   if (result.ok())
     return true;
   dialogs_.critical(QString(), QStringLiteral("SQL error: ") + result.error);
@@ -232,16 +234,16 @@ bool EmailStore::insertRawSource() {
   statement += QLatin1Char(')');
   source.clear();
 
-  const archive::ExecResult result = archive_.exec(statement);
+  const archive::ExecResult result = execute(statement);
   if (result.ok())
     return true;
   if (isNotADatabase(result.code)) {
     reportCorruptArchive();
     return false;
   }
-  storeLog_.write(QStringLiteral("SQL error for raw source of this email: ") +
-                  messageSuffix(result.code));
-  ++counters_.sqlErrorCount;
+  logFailure(
+      QStringLiteral("SQL error for raw source of this email: ") + messageFields(result.code),
+      result);
   return false;
 }
 
@@ -266,26 +268,52 @@ void EmailStore::doAttachment(const QString& attachText) {
   appendQuotedEscaped(statement, attachText);
   statement += QLatin1Char(')');
 
-  const archive::ExecResult result = archive_.exec(statement);
+  const archive::ExecResult result = execute(statement);
   if (result.ok())
     return;
-  storeLog_.write(QStringLiteral("SQL error for attachment ") + filename +
-                  QStringLiteral(" in this email: ") + messageSuffix(result.code));
-  ++counters_.sqlErrorCount;
+  logFailure(QStringLiteral("SQL error for attachment ") + filename +
+                 QStringLiteral(" in this email: ") + messageFields(result.code),
+             result);
 }
 
-QString EmailStore::messageSuffix(int code) const {
+void EmailStore::updateNumAttach(int numAttach) {
+  const archive::ExecResult result =
+      archive_.exec(QStringLiteral("UPDATE email SET numAttach=%1 WHERE id=%2")
+                        .arg(numAttach)
+                        .arg(message_.lastStoredId));
+  if (!result.ok())
+    logFailure(QStringLiteral("SQL error updating number of attachments"), result);
+}
+
+archive::ExecResult EmailStore::execute(QString& statement, RowCallback callback, void* context) {
+  // One scan of the statement; a text without NUL (nearly every one) is left as it is.
+  if (statement.contains(QChar(0)))
+    statement.replace(QChar(0), kNulStandIn);
+  return archive_.exec(statement, callback, context);
+}
+
+QString EmailStore::messageFields(int code) const {
   const CurrentMessage& m = message_;
   const QString separator = QStringLiteral("::");
   return QString::number(code) + QStringLiteral("  ") + m.recDate + separator + headers_.from +
-         separator + headers_.to + separator + headers_.subject + separator + headers_.mailbox +
-         QLatin1Char('\n');
+         separator + headers_.to + separator + headers_.subject + separator + headers_.mailbox;
+}
+
+void EmailStore::logFailure(QString line, const archive::ExecResult& result) {
+  // The reason has a line of its own, under the message line (whose mailbox brings its own
+  // line end), so every log line keeps the beginning it always had.
+  if (!line.endsWith(QLatin1Char('\n')))
+    line += QLatin1Char('\n');
+  line += QStringLiteral("SQLite: ") + result.error + QLatin1Char('\n');
+  storeLog_.write(line);
+  ++counters_.sqlErrorCount;
 }
 
 void EmailStore::reportCorruptArchive() {
   dialogs_.critical(QStringLiteral("Store Failed"),
                     paths_.dbPath + QStringLiteral(" is not a valid database file."));
   archive_.openFailed = true;
+  damagedArchiveFound_ = true;
 }
 
 }  // namespace quillery::ingest

@@ -2,10 +2,7 @@
 
 #include <algorithm>
 
-#include "archive/Archive.h"
 #include "ingest/EmailStore.h"
-#include "ingest/StoreLog.h"
-#include "platform/Progress.h"
 #include "text/LinePieces.h"
 
 namespace quillery::ingest {
@@ -62,16 +59,12 @@ QString withLineEnd(QStringView value) {
 
 }  // namespace
 
-RecordReader::RecordReader(EmailStore& store, archive::Archive& archive, CurrentMessage& message,
-                           StoreRunCounters& counters, StoreLog& storeLog,
-                           platform::Progress& progress, int& listCount)
+RecordReader::RecordReader(EmailStore& store, CurrentMessage& message, StoreRunCounters& counters,
+                           MessageCounted messageCounted)
     : store_(store),
-      archive_(archive),
       message_(message),
       counters_(counters),
-      storeLog_(storeLog),
-      progress_(progress),
-      listCount_(listCount) {}
+      messageCounted_(std::move(messageCounted)) {}
 
 int RecordReader::doOneEmail(const QString& messageFilePath,
                              const std::function<void()>& filesRead) {
@@ -116,9 +109,9 @@ void RecordReader::readHeaderLine(QStringView line) {
     m.recMailbox = withLineEnd(line.mid(9));
   } else if (starts("FROM:")) {
     m.recFrom = line.mid(5).trimmed().toString();
-    ++listCount_;
     ++counters_.processedCount;
-    progress_.doProgressCount(listCount_, 10);
+    if (messageCounted_)
+      messageCounted_();
   } else if (starts("TO:")) {
     m.recTo = line.mid(3).trimmed().toString();
   } else if (starts("SUBJECT:")) {
@@ -186,12 +179,7 @@ void RecordReader::readAttachments(Lines& lines) {
     store_.storeEmail(count);
     return;
   }
-  const archive::ExecResult result = archive_.exec(
-      QStringLiteral("UPDATE email SET numAttach=%1 WHERE id=%2").arg(count).arg(m.lastStoredId));
-  if (!result.ok()) {
-    storeLog_.write(QStringLiteral("SQL error updating number of attachments\n"));
-    ++counters_.sqlErrorCount;
-  }
+  store_.updateNumAttach(count);
 }
 
 void RecordReader::readAttachmentField(QStringView line) {

@@ -7,17 +7,9 @@
 #include "ingest/CurrentMessage.h"
 #include "ingest/StoreRunCounters.h"
 
-namespace quillery::archive {
-class Archive;
-}
-namespace quillery::platform {
-class Progress;
-}
-
 namespace quillery::ingest {
 
 class EmailStore;
-class StoreLog;
 
 // Reads the message records that the parser tool leaves in the message file and hands each
 // message to the storing step: the header and tag lines fill the current message, the body
@@ -30,11 +22,12 @@ class StoreLog;
 // message is still stored with what was read.
 class RecordReader {
  public:
-  // listCount is the result list's count, which every "FROM:" line raises (the store run
-  // shows it as its progress count).
-  RecordReader(EmailStore& store, archive::Archive& archive, CurrentMessage& message,
-               StoreRunCounters& counters, StoreLog& storeLog, platform::Progress& progress,
-               int& listCount);
+  // Called for every "FROM:" line, after processedCount has been raised: the store run counts
+  // the message in the result list and shows that count as its progress.
+  using MessageCounted = std::function<void()>;
+
+  RecordReader(EmailStore& store, CurrentMessage& message, StoreRunCounters& counters,
+               MessageCounted messageCounted);
 
   // Reads the message file whole, as UTF-8, or, when it is not valid UTF-8, in line pieces
   // of at most 29,999 bytes, each decoded as UTF-8 or else as Windows-1252, and stores the
@@ -64,12 +57,9 @@ class RecordReader {
   static void collectUntil(Lines& lines, QStringView endMarker, QString& text);
 
   EmailStore& store_;
-  archive::Archive& archive_;
   CurrentMessage& message_;
   StoreRunCounters& counters_;
-  StoreLog& storeLog_;
-  platform::Progress& progress_;
-  int& listCount_;
+  MessageCounted messageCounted_;
 };
 
 }  // namespace quillery::ingest

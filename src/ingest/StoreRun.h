@@ -5,13 +5,15 @@
 #include <QProcess>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 #include <memory>
-#include <optional>
 
 #include "ingest/CurrentMessage.h"
 #include "ingest/StoreLog.h"
 #include "ingest/StorePaths.h"
+#include "ingest/StoreRequest.h"
 #include "ingest/StoreRunCounters.h"
+#include "ingest/StoreTransaction.h"
 
 namespace quillery::archive {
 class Archive;
@@ -29,42 +31,14 @@ namespace quillery::ingest {
 class EmailStore;
 class RecordReader;
 
-// The preference switches that shape a store run, each 0 or 1 in the tool's arguments.
-struct StoreSwitches {
-  bool allmbState = false;
-  bool attachState = false;
-  bool htmlState = false;
-  bool trashState = false;
-  bool origState = false;
-  bool mailboxesState = false;
-};
-
-// One side of the store-date panel: the selected titles of its month, day and year pop-ups,
-// "All" or the two-digit month and day and the four-digit year.
-struct StoreDate {
-  QString month = QStringLiteral("All");
-  QString day = QStringLiteral("All");
-  QString year = QStringLiteral("All");
-};
-
-struct StoreDateRange {
-  StoreDate begin;
-  StoreDate end;
-};
-
-// The chosen accounts and mailboxes of the preferences; the mbox files of an mbox run are
-// the run's own sourceList.
-struct StoreSources {
-  QStringList accountList;
-  QStringList mailboxList;
-};
-
-// A store run: checks the choices, opens the archive and one transaction, runs the parser
-// tool through "/usr/bin/nice" and stores each message it announces, then commits, writes
-// the summary to the store log, shows it and lists the stored messages. Everything runs on
-// the calling thread's event loop, driven by the tool's output and its termination; no call
-// blocks while the tool works. The window binds its panels to the signals; the run itself
-// shows only alerts (through Dialogs) and progress (through Progress).
+// A store run carrying out a StoreRequest: it opens the archive and its transaction, runs
+// the parser tool through "/usr/bin/nice" and stores each message the tool announces, then
+// commits, writes the summary to the store log, shows it and lists the stored messages.
+// Everything runs on the calling thread's event loop, driven by the tool's output and its
+// termination; no call blocks while the tool works. The transaction is committed underneath
+// at intervals (StoreTransaction), so a run killed hard loses only its last interval. The
+// window binds its panels to the signals; the run itself shows only alerts (through
+// Dialogs) and progress (through Progress).
 class StoreRun : public QObject {
   Q_OBJECT
 
@@ -72,28 +46,17 @@ class StoreRun : public QObject {
   // domailPath is the parser tool's executable (the application's own folder + "/domail").
   StoreRun(archive::Archive& archive, search::ResultList& resultList, CurrentMessage& message,
            StoreRunCounters& counters, platform::Dialogs& dialogs, platform::Progress& progress,
-           QString domailPath, QObject* parent = nullptr);
+           QString domailPath, CommitInterval commitInterval = {}, QObject* parent = nullptr);
   ~StoreRun() override;
 
-  // Prepares the store-date panel for a run over the mail client's folders: when the archive
-  // at dbPath holds messages, returns (and signals) the newest stored day as the begin date.
-  // An archive that fails to open returns nothing and leaves the panel closed; a failing
-  // query is reported on standard error and leaves the begin date as it is. While a run is
-  // under way nothing happens: reopening the archive would roll back what it stored.
-  std::optional<StoreDate> setStoreDate(const QString& dbPath);
-  // Asks for mbox files; on a choice they become sourceList, the run switches to mbox mode
-  // and the date panel is shown. Returns false when the user cancelled or a run is under
-  // way (nothing changes).
-  bool openMbox();
-  // Closes the date panel; mbox mode stays until a run ends.
-  void cancelStore();
-  // The panel's Store action. Returns true when the tool was launched; false when a run is
-  // under way, a check failed (alert shown), the user cancelled the confirmation or the
-  // archive could not be opened (openDB's alert shown). The run then ends with finished().
-  bool parseEmail(const QString& dbPath, const StoreSwitches& switches, const StoreDateRange& dates,
-                  const StoreSources& sources);
+  // Starts the run of a request that its preparation has made (which reset the counters):
+  // closes the store panel, empties the result list and the message view, opens the archive
+  // and launches the tool. Returns false, with nothing started, while the tool of a run
+  // still runs or when the archive cannot be opened (openDB's alert shown). Once started,
+  // the run ends with finished(), also when the tool cannot be run.
+  bool start(const StoreRequest& request);
   // Asks a running store to stop: the tool is ended at its next output and what was stored
-  // is committed as at any end.
+  // is committed as at any end. Raises the archive's openFailed as well, as it always has.
   void cancelParse();
   // For quitting: ends a running tool at once and commits what was stored, without the rest
   // of the run's end (no summary, no listing). Does nothing when no tool runs.
@@ -105,46 +68,36 @@ class StoreRun : public QObject {
   // The files of the run started last (all empty before the first); the archive path may
   // have changed since.
   const StorePaths& lastRunPaths() const { return paths_; }
-
-  // The tool's arguments after its own path, as parseEmail passes them; the run log path is
-  // the one of the run begun last.
-  QStringList toolArguments(const StoreSwitches& switches, const StoreDateRange& dates,
-                            const StoreSources& sources) const;
-  // "%@-%@-%@ 00:00:00" from the pop-up titles, "All" read as 0000-00-00 or 9999-99-99.
-  static QString beginDateText(const StoreDate& date);
-  static QString endDateText(const StoreDate& date);
-
-  bool mboxMode = false;
-  QStringList sourceList;
-  QString lastProgressText;
-  QString progressTitle;
-  const QString domailPath;
+  // The announcement shown last, named in the summary as the last file parsed. It is kept
+  // from one run to the next.
+  const QString& lastProgressText() const { return lastProgressText_; }
 
  Q_SIGNALS:
-  void storeDatePanelShown();
-  void storeDatePanelClosed();
-  void beginStoreDateSelected(const QString& year, const QString& month, const QString& day);
   void storePanelClosed();
   void messageViewCleared();
   void storePanelTitleChanged(const QString& title);
+  // The tool has ended and what was stored is committed; the listing and the summary follow.
+  // Mbox mode ends here.
+  void toolEnded();
   // The run has ended (tool finished, failed to start or was cancelled) with this summary.
   void finished(const QString& summary);
 
  private:
-  bool checkSources(const StoreSwitches& switches, const StoreSources& sources);
-  bool confirm(const QString& dbPath, const StoreSwitches& switches);
-  void beginRun(const QString& dbPath, const StoreSwitches& switches);
+  void beginRun(const StoreRequest& request);
   void launch(const QStringList& arguments);
   void taskDataAvailable();
+  void storeAnnounced(const QString& announcement);
   void taskCompleted();
   void resumeAfterStoring();
   // Takes the tool's process out of the run (no more signals) and deletes it later.
   QProcess* detachTask();
-  // Ends the run's transaction, keeping what was stored, and frees the connection.
+  // Ends the run's transaction, keeping what was stored.
   void commitStored();
   void sendData(const QString& text);
+  void countMessage();
   void listStoredMessages();
-  void logSqlError(const QString& statement);
+  // The user cancelled, or the archive proved damaged while a message was stored.
+  bool stopRequested() const;
 
   archive::Archive& archive_;
   search::ResultList& resultList_;
@@ -152,11 +105,17 @@ class StoreRun : public QObject {
   StoreRunCounters& counters_;
   platform::Dialogs& dialogs_;
   platform::Progress& progress_;
+  const QString domailPath_;
   StoreLog storeLog_;
   StorePaths paths_;
+  StoreTransaction transaction_;
+  // Commits what a tool that pauses has left stored, between its messages.
+  QTimer commitTimer_;
   std::unique_ptr<EmailStore> store_;
   std::unique_ptr<RecordReader> reader_;
   QPointer<QProcess> parserTask_;
+  QString lastProgressText_;
+  bool cancelRequested_ = false;
   // Set while a message is stored; tool events meanwhile are replayed afterwards.
   bool storing_ = false;
   bool dataPending_ = false;

@@ -13,7 +13,7 @@ constexpr int kLinePiece = 30000;  // readLine stores at most 29,999 bytes and a
 
 bool StoreSummary::readRunLog(const QString& path, StoreRunCounters& counters,
                               QStringList& invalidPaths) {
-  counters.invalidFileCount = 0;
+  counters.reset(StoreRunCounters::ResetPoint::RunLogRead);
   invalidPaths.clear();
   QFile log(path);
   const bool read = log.open(QIODevice::ReadOnly);

@@ -42,6 +42,8 @@ class AppFixture : public ::testing::Test {
   // An archive file with these (date, subject[, category]) messages; a message with a
   // category (even "") has a tags row.
   static void makeArchive(const QString& path, const QList<QStringList>& messages);
+  // The texts of one column of the list window's table, in the order shown.
+  static QStringList listColumn(QuilleryController& app, const char* identifier);
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;

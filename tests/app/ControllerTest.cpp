@@ -45,6 +45,12 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
             (QStringList{"this original email", "all original email in list", "Import MBOX Files…",
                          "Convert Database to New Format"}));
   EXPECT_EQ(app.menuActions.value("openDbPath")->shortcut(), QKeySequence(QKeySequence::Open));
+  // Every item is an action of the table, a window to bring forward or an edit command.
+  const QStringList edits{"undo", "redo", "cut", "copy", "paste", "selectAll"};
+  for (auto it = app.menuActions.cbegin(); it != app.menuActions.cend(); ++it)
+    EXPECT_TRUE(QuilleryController::actionSlots().contains(it.key()) ||
+                it.key().startsWith(QLatin1String("window:")) || edits.contains(it.key()))
+        << it.key().toStdString();
 
   // Sources are kept after a first run: every item is enabled; without them the source items
   // are not, in the menu or as validated.
@@ -64,17 +70,10 @@ TEST_F(ControllerTest, MenusReachEveryActionAndTheSourceItemsFollowTheSourceSwit
   EXPECT_TRUE(app.prefPanel->isVisible());
 }
 
-TEST_F(ControllerTest, EveryMenuItemReachesAnActionAndNoneChangesTheArchiveWhenCancelled) {
+TEST_F(ControllerTest, NoMenuItemChangesTheArchiveWhenItsQuestionsAndPanelsAreCancelled) {
   makeArchive(defaultDbPath(),
               {{"2021-05-01 08:00:00", "one", "Work"}, {"2021-05-02 08:00:00", "two"}});
   QuilleryController& app = start();
-  // Every item is an action of the table, a window to bring forward or an edit command.
-  const QStringList edits{"undo", "redo", "cut", "copy", "paste", "selectAll"};
-  for (auto it = app.menuActions.cbegin(); it != app.menuActions.cend(); ++it) {
-    const bool known = QuilleryController::actionSlots().contains(it.key()) ||
-                       it.key().startsWith(QLatin1String("window:")) || edits.contains(it.key());
-    EXPECT_TRUE(known) << it.key().toStdString();
-  }
   // With the archive listed and a message selected, every item is chosen in turn with every
   // question answered "Cancel" and every panel cancelled: nothing of the archive changes.
   const auto rows = [this] {

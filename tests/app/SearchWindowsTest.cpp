@@ -22,7 +22,6 @@
 #include "app/SqlPanel.h"
 #include "app/StorePanel.h"
 #include "app/TagPanel.h"
-#include "search/EmailTableModel.h"
 
 namespace quillery::app {
 namespace {
@@ -34,7 +33,8 @@ class SearchWindowsTest : public AppFixture {
     makeArchive(archivePath(), {{"2021-03-04 05:06:07", "Quarterly report"},
                                 {"2021-03-05 05:06:07", "Lunch", "Home"},
                                 {"2021-03-06 05:06:07", "Annual report"}});
-    // The third message lists a PDF and a page whose image would come from a server here.
+    // The third message lists a PDF and a page that would run a script and fetch an image
+    // from a server here.
     ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
     QObject::connect(&server, &QTcpServer::newConnection, [this] {
       while (QTcpSocket* socket = server.nextPendingConnection()) {
@@ -44,7 +44,8 @@ class SearchWindowsTest : public AppFixture {
     });
     const QString page = QStringLiteral(
                              "<html><head><title>page</title></head><body><img "
-                             "src=\"http://127.0.0.1:%1/x.png\"></body></html>")
+                             "src=\"http://127.0.0.1:%1/x.png\"><script>document.title = "
+                             "\"script ran\";</script></body></html>")
                              .arg(server.serverPort());
     ASSERT_EQ(test::execOn(archivePath(),
                            "UPDATE email SET body_fld='Figures.\n\nATTACHMENTS:\nr.pdf\npage.html' "
@@ -59,14 +60,6 @@ class SearchWindowsTest : public AppFixture {
     QuilleryController& app = start();
     app.applicationOpenFile(archivePath());
     return app;
-  }
-  static QStringList column(QuilleryController& app, const char* identifier) {
-    const auto* model =
-        static_cast<search::EmailTableModel*>(app.storePanel->storeTableView->model());
-    QStringList values;
-    for (int row = 0; row < model->rowCount(); ++row)
-      values.append(model->index(row, model->columnOf(identifier)).data().toString());
-    return values;
   }
   // The middle of the text's first occurrence of word in the message view, in the viewport.
   static QPoint pointOf(QuilleryController& app, const QString& word) {
@@ -98,7 +91,7 @@ TEST_F(SearchWindowsTest, ASearchListsItsHitsAndARowShowsTheMessageWithItsLinks)
 
   app.retrievePanel->keyWords[2]->setText(QStringLiteral("report"));
   QTest::mouseClick(app.retrievePanel->searchButton, Qt::LeftButton);
-  EXPECT_EQ(column(app, "emailSubject"), (QStringList{"Quarterly report", "Annual report"}));
+  EXPECT_EQ(listColumn(app, "emailSubject"), (QStringList{"Quarterly report", "Annual report"}));
   EXPECT_EQ(app.storePanel->listCountTextField->text(), "2 emails in this list.");
   EXPECT_EQ(app.storePanel->dbCountTextField->text(), "3 emails in the database.");
 
@@ -137,10 +130,10 @@ TEST_F(SearchWindowsTest, ASearchListsItsHitsAndARowShowsTheMessageWithItsLinks)
   EXPECT_EQ(app.origWindow->origTextView->toPlainText(), "From: me\n\nFigures.");
 }
 
-TEST_F(SearchWindowsTest, AnHtmlAttachmentIsShownFromLocalBytesWithoutAnyRequestLeaving) {
+TEST_F(SearchWindowsTest, AnHtmlAttachmentIsShownFromLocalBytesWithoutScriptsOrRequestsLeaving) {
   QuilleryController& app = startOnArchive();
   app.menuActions.value("browseDatabase")->trigger();
-  ASSERT_EQ(column(app, "emailID").size(), 3);
+  ASSERT_EQ(listColumn(app, "emailID").size(), 3);
   app.storePanel->storeTableView->selectRow(2);
   QWebEngineView* web = app.myHtmlWindow->myHtmlWebView();
   QSignalSpy loaded(web, &QWebEngineView::loadFinished);
@@ -158,6 +151,7 @@ TEST_F(SearchWindowsTest, AnHtmlAttachmentIsShownFromLocalBytesWithoutAnyRequest
   ordinary.setHtml(test::readFile(app.tempDir + QStringLiteral("/1-QL-page.html")));
   ASSERT_TRUE(ordinaryLoaded.wait(60000));
   EXPECT_GT(connections, 0);
+  EXPECT_EQ(ordinary.title(), "script ran");
 }
 
 TEST_F(SearchWindowsTest, TagsSqlAndDeletionWorkFromTheirPanels) {
@@ -171,7 +165,7 @@ TEST_F(SearchWindowsTest, TagsSqlAndDeletionWorkFromTheirPanels) {
   app.tagPanel->priorityButton->setCurrentText(QStringLiteral("High"));
   QTest::mouseClick(app.tagPanel->setTagsButton, Qt::LeftButton);
   EXPECT_EQ(dialogs.alerts.last().message, "1 emails have been tagged.");
-  EXPECT_EQ(column(app, "emailDate")[1], "2021-03-05 05:06:07*");
+  EXPECT_EQ(listColumn(app, "emailDate")[1], "2021-03-05 05:06:07*");
   EXPECT_GE(app.retrievePanel->searchCatButton->findText("Travel"), 0);
   EXPECT_GE(app.tagPanel->setCatButton->findText("Travel"), 0);
   EXPECT_EQ(test::rowsOf(archivePath(), "SELECT cat_fld, priority_fld FROM tags WHERE id=2"),
@@ -188,7 +182,7 @@ TEST_F(SearchWindowsTest, TagsSqlAndDeletionWorkFromTheirPanels) {
   app.menuActions.value("editSqlString")->trigger();
   app.SQLPanel->whereTextField->setPlainText(QStringLiteral("WHERE subj_fld LIKE '%report'"));
   QTest::mouseClick(app.SQLPanel->runButton, Qt::LeftButton);
-  EXPECT_EQ(column(app, "emailSubject"), (QStringList{"Quarterly report", "Annual report"}));
+  EXPECT_EQ(listColumn(app, "emailSubject"), (QStringList{"Quarterly report", "Annual report"}));
   app.menuActions.value("showSchema")->trigger();
   EXPECT_EQ(dialogs.alerts.last().title, "Database Schema");
 
@@ -196,7 +190,7 @@ TEST_F(SearchWindowsTest, TagsSqlAndDeletionWorkFromTheirPanels) {
   app.storePanel->storeTableView->selectRow(0);
   app.menuActions.value("deleteSelected")->trigger();
   EXPECT_EQ(dialogs.alerts.last().title, "Delete this email from database");
-  EXPECT_EQ(column(app, "emailSubject"), QStringList{"Annual report"});
+  EXPECT_EQ(listColumn(app, "emailSubject"), QStringList{"Annual report"});
   EXPECT_EQ(test::rowsOf(archivePath(), "SELECT id FROM email"), (QStringList{"2", "3"}));
 }
 

@@ -3,20 +3,15 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
+#include "archive/TestFiles.h"
+#include "support/MailFixtures.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::cli {
 
-// What a run of a program printed and how it ended (-1 when it crashed or hung).
-struct CliResult {
-  int exitCode = -1;
-  QString out;
-  QString err;
-};
+using CliResult = test::ProgramResult;
 
 // quillery-cli run as a separate process with a home folder and settings of the test's own.
 class CliFixture : public ::testing::Test {
@@ -29,25 +24,17 @@ class CliFixture : public ::testing::Test {
 
   CliResult cli(const QStringList& arguments,
                 const QString& program = test::toolPath(QStringLiteral("quillery-cli"))) const {
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home());
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home() + QStringLiteral("/.config"));
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(120000))
-      return {};
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return test::runProgram(program, arguments, {}, home());
   }
 
+  // An mbox file of generated messages (see MailFixtures) in the home folder.
   QString mbox(int messages) const {
     const QString path = homeDir.filePath(QStringLiteral("mail.mbox"));
     EXPECT_TRUE(test::MailFixtures::writeMbox(path, messages));
     return path;
+  }
+  QString count(const QString& file, const QString& table = QStringLiteral("email")) const {
+    return test::rowsOf(file, "SELECT count(*) FROM " + table).value(0);
   }
 
   QTemporaryDir homeDir;

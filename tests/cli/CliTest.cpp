@@ -1,16 +1,8 @@
 // quillery-cli as a script runs it: a separate process with its own HOME, real mail, a real
 // archive file, and the exit status and the two output streams checked.
-#include <gtest/gtest.h>
-
 #include <QDir>
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include "CliFixture.h"
-#include "MailFixtures.h"
-#include "archive/TestFiles.h"
-#include "support/TestEnvironment.h"
 
 namespace quillery::cli {
 namespace {
@@ -97,6 +89,10 @@ TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrongAndHelpDocumentsEveryOp
        "--begin wants a day as YYYY-MM-DD, not '2021-02-30'"},
       {{"store", "--archive"}, "--archive needs a value"},
       {{"list", "--trash"}, "unknown option '--trash' for list"},
+      {{"merge", "--archive", "a.db"}, "merge needs the FILE to merge"},
+      {{"backup", "--yes"}, "unknown option '--yes' for backup"},
+      {{"merge", "a.db", "b.db"}, "unknown argument 'b.db' for merge"},
+      {{"compact", "--to", "x"}, "unknown option '--to' for compact"},
   };
   for (const Row& row : rows) {
     const CliResult result = cli(row.arguments);
@@ -106,10 +102,41 @@ TEST_F(CliTest, WrongCommandLinesExitTwoAndSayWhatIsWrongAndHelpDocumentsEveryOp
   }
   const CliResult help = cli({"--help"});
   EXPECT_EQ(help.exitCode, 0);
-  for (const char* option : {"store", "list", "--archive", "--mbox", "--accounts", "--mailboxes",
-                             "--begin", "--end", "--no-attachments", "--no-html", "--trash",
-                             "--all-mailboxes", "--no-source", "--progress-lines", "Exit status"})
-    EXPECT_TRUE(help.out.contains(QString::fromUtf8(option))) << option;
+  for (const char* word : {"store",
+                           "list",
+                           "search",
+                           "show",
+                           "tag",
+                           "delete",
+                           "backup",
+                           "restore",
+                           "compact",
+                           "convert",
+                           "merge",
+                           "export",
+                           "--archive",
+                           "--mbox",
+                           "--accounts",
+                           "--mailboxes",
+                           "--begin",
+                           "--end",
+                           "--no-attachments",
+                           "--no-html",
+                           "--trash",
+                           "--all-mailboxes",
+                           "--no-source",
+                           "--progress-lines",
+                           "--attachment",
+                           "--before-body",
+                           "--where",
+                           "--sql",
+                           "--attachments-only",
+                           "--yes",
+                           "--source",
+                           "--to",
+                           "--from",
+                           "Exit status"})
+    EXPECT_TRUE(help.out.contains(QString::fromUtf8(word))) << word;
 }
 
 TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
@@ -126,36 +153,31 @@ TEST_F(CliTest, ProgressLinesCountEveryThousandMessagesWithTheirTime) {
 }
 
 // A folder reaches the parser tool as it was given: a Maildir, with a Maildir++ subfolder and
-// a trailing "/", stores like an mbox file.
-TEST_F(CliTest, AMaildirFolderIsStored) {
+// a trailing "/", stores like an mbox file; an account is found in the mail folder under HOME.
+TEST_F(CliTest, AMaildirFolderAndAnAppleMailAccountUnderHomeAreStored) {
   const QString maildir = home() + QStringLiteral("/Maildir");
-  for (const char* folder : {"cur", "new", "tmp", ".Sent/cur", ".Sent/new"})
+  for (const char* folder : {"cur", "new", ".Sent/cur", ".Sent/new"})
     ASSERT_TRUE(QDir(maildir).mkpath(QString::fromLatin1(folder)));
   for (int i = 0; i < 4; ++i) {
     const QString box = i < 3 ? QStringLiteral("/cur/") : QStringLiteral("/.Sent/cur/");
     ASSERT_TRUE(test::writeFile(maildir + box + QStringLiteral("170000000%1.M1P1.host:2,S").arg(i),
-                                MailFixtures::message(i)));
+                                test::MailFixtures::message(i)));
   }
-  const QString archive = homeDir.filePath(QStringLiteral("maildir.db"));
-  const CliResult result = cli({"store", "--archive", archive, "--mbox", maildir + '/'});
-  EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
+  const CliResult result =
+      cli({"store", "--archive", homeDir.filePath("maildir.db"), "--mbox", maildir + '/'});
   EXPECT_TRUE(result.out.startsWith(QStringLiteral("Parsed: 4\nProcessed: 4\nStored: 4\n")))
-      << result.out.toStdString();
-}
+      << result.out.toStdString() << result.err.toStdString();
 
-TEST_F(CliTest, AnAppleMailAccountUnderHomeIsStored) {
   const QString corpus = test::corpusDir();
   if (corpus.isEmpty())
     GTEST_SKIP() << "the shared mail corpus (../shared/corpus) is not here";
   ASSERT_TRUE(QDir(home()).mkpath(QStringLiteral("Library")));
   ASSERT_TRUE(
       QFile::link(corpus + QStringLiteral("/emlx/Mail"), home() + QStringLiteral("/Library/Mail")));
-  const QString archive = homeDir.filePath(QStringLiteral("apple.db"));
-  const CliResult result =
-      cli({"store", "--archive", archive, "--accounts", "POP-sample@pop.example.com"});
-  EXPECT_EQ(result.exitCode, 0) << result.err.toStdString();
-  EXPECT_TRUE(result.out.startsWith(QStringLiteral("Parsed: 3\nProcessed: 3\nStored: 3\n")))
-      << result.out.toStdString();
+  const CliResult account = cli({"store", "--archive", homeDir.filePath("apple.db"), "--accounts",
+                                 "POP-sample@pop.example.com"});
+  EXPECT_TRUE(account.out.startsWith(QStringLiteral("Parsed: 3\nProcessed: 3\nStored: 3\n")))
+      << account.out.toStdString() << account.err.toStdString();
 }
 
 }  // namespace

@@ -1,50 +1,22 @@
 // quillery-cli's search, show, tag and delete as a script runs them, on an archive stored from
 // generated mail whose every field is known.
-#include <gtest/gtest.h>
-
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
-
-#include "MailFixtures.h"
-#include "archive/TestFiles.h"
-#include "support/TestEnvironment.h"
+#include "CliFixture.h"
 
 namespace quillery::cli {
 namespace {
 
 using test::MailFixtures;
 
-struct CliRun {
-  int exitCode = -1;
-  QString out;
-  QString err;
-};
-
-class SearchCliTest : public ::testing::Test {
+class SearchCliTest : public CliFixture {
  protected:
-  void SetUp() override {
-    const QString mbox = dir.filePath("mail.mbox");
-    ASSERT_TRUE(MailFixtures::writeMbox(mbox, 30));
-    ASSERT_EQ(cli({"store", "--mbox", mbox}).exitCode, 0);
-  }
-  // Runs quillery-cli on the test's archive, without a terminal.
-  CliRun cli(QStringList arguments) const {
+  void SetUp() override { ASSERT_EQ(run({"store", "--mbox", mbox(30)}).exitCode, 0); }
+  // Runs quillery-cli on the test's archive.
+  CliResult run(QStringList arguments) const {
     arguments.insert(1, "--archive");
     arguments.insert(2, archive());
-    QProcess process;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("HOME", dir.path());
-    environment.insert("TZ", "UTC");
-    process.setProcessEnvironment(environment);
-    process.start(test::toolPath("quillery-cli"), arguments);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(120000))
-      return {};
-    return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+    return cli(arguments);
   }
-  QString archive() const { return dir.filePath("mail.db"); }
+  QString archive() const { return homeDir.filePath("mail.db"); }
   // The id of generated message i.
   QString idOf(int i) const {
     return test::rowsOf(archive(), QStringLiteral("SELECT id FROM email WHERE from_fld LIKE "
@@ -52,17 +24,10 @@ class SearchCliTest : public ::testing::Test {
                                        .arg(i))
         .value(0);
   }
-  int count(const char* table) const {
-    return test::rowsOf(archive(), QStringLiteral("SELECT count(*) FROM %1").arg(table))
-        .value(0)
-        .toInt();
-  }
-
-  QTemporaryDir dir;
 };
 
 TEST_F(SearchCliTest, SearchPrintsTheListLinesTheCountsAndTheStatement) {
-  const CliRun cheese = cli({"search", "--subject", "\"cheese\"", "--sql"});
+  const CliResult cheese = run({"search", "--subject", "\"cheese\"", "--sql"});
   ASSERT_EQ(cheese.exitCode, 0) << cheese.err.toStdString();
   EXPECT_EQ(cheese.out,
             "SELECT email.id,date_fld,from_fld,to_fld,subj_fld,(CASE WHEN mailbox ISNULL THEN '' "
@@ -80,8 +45,8 @@ TEST_F(SearchCliTest, SearchPrintsTheListLinesTheCountsAndTheStatement) {
                 "30 emails in the database.\n3 emails in this list.\n");
 
   // Fields, dates and connectors together; the attachment name makes its view.
-  const CliRun files =
-      cli({"search", "--attachment", "file", "--begin", "2018-01-01", "--end", "2018", "--from",
+  const CliResult files =
+      run({"search", "--attachment", "file", "--begin", "2018-01-01", "--end", "2018", "--from",
            "sender1", "--before-subject", "AND", "--subject", "run"});
   ASSERT_EQ(files.exitCode, 0);
   // Of the messages with a file from senders 1x, 17's subject is "Grüße 17".
@@ -89,46 +54,47 @@ TEST_F(SearchCliTest, SearchPrintsTheListLinesTheCountsAndTheStatement) {
   EXPECT_TRUE(files.out.endsWith("\n1 emails in this list.\n")) << files.out.toStdString();
 
   // The SQL panel's own WHERE part, and one that is not SQL.
-  const CliRun where = cli({"search", "--where", "WHERE numAttach=1 AND id<10 ORDER BY id DESC"});
+  const CliResult where =
+      run({"search", "--where", "WHERE numAttach=1 AND id<10 ORDER BY id DESC"});
   EXPECT_TRUE(where.out.startsWith(idOf(7) + "\t")) << where.out.toStdString();
   EXPECT_TRUE(where.out.endsWith("\n2 emails in this list.\n"));
-  const CliRun broken = cli({"search", "--where", "WHERE ("});
+  const CliResult broken = run({"search", "--where", "WHERE ("});
   EXPECT_EQ(broken.exitCode, 1);
   EXPECT_EQ(broken.err, "SQL Error: incomplete input\n");
 }
 
 TEST_F(SearchCliTest, ShowTagAndDeleteWorkOnTheMessagesNamed) {
-  const CliRun shown = cli({"show", idOf(7)});
+  const CliResult shown = run({"show", idOf(7)});
   ASSERT_EQ(shown.exitCode, 0) << shown.err.toStdString();
   EXPECT_TRUE(shown.out.startsWith("ID: " + idOf(7) + "\nDATE: 2018-01-01 10:07:00\n"));
   EXPECT_TRUE(shown.out.endsWith("\n\nATTACHMENTS:\n\nfile7.bin\n\n\n")) << shown.out.toStdString();
-  const QString saved = dir.filePath("out.bin");
+  const QString saved = homeDir.filePath("out.bin");
   ASSERT_TRUE(test::writeFile(saved, "older"));
-  EXPECT_EQ(cli({"show", idOf(7), "--attachment", "0", "--output", saved}).exitCode, 0);
+  EXPECT_EQ(run({"show", idOf(7), "--attachment", "0", "--output", saved}).exitCode, 0);
   QFile file(saved);
   ASSERT_TRUE(file.open(QIODevice::ReadOnly));
   EXPECT_EQ(file.readAll(), MailFixtures::attachmentBytes(7));
   EXPECT_TRUE(
-      cli({"show", idOf(7), "--source"}).out.contains("Message-ID: <gen7@fixtures.example>"));
+      run({"show", idOf(7), "--source"}).out.contains("Message-ID: <gen7@fixtures.example>"));
 
-  const CliRun tagged =
-      cli({"tag", idOf(1), idOf(2), "--category", "Work", "--priority", "Highest"});
+  const CliResult tagged =
+      run({"tag", idOf(1), idOf(2), "--category", "Work", "--priority", "Highest"});
   EXPECT_EQ(tagged.out, "2 emails have been tagged.\n");
   // The search reads the opposite scale: Lowest finds what was tagged Highest.
-  const CliRun found = cli({"search", "--category", "Work", "--priority", "Lowest"});
+  const CliResult found = run({"search", "--category", "Work", "--priority", "Lowest"});
   EXPECT_TRUE(found.out.contains("\t2018-01-01 10:01:00*\t")) << found.out.toStdString();
   EXPECT_TRUE(found.out.endsWith("\n2 emails in this list.\n"));
 
   // Without --yes and without a terminal nothing is deleted.
-  const CliRun asked = cli({"delete", idOf(1), idOf(7)});
+  const CliResult asked = run({"delete", idOf(1), idOf(7)});
   EXPECT_EQ(asked.exitCode, 1);
   EXPECT_TRUE(asked.err.contains("give --yes")) << asked.err.toStdString();
-  EXPECT_EQ(count("email"), 30);
-  EXPECT_EQ(cli({"delete", idOf(7), "--attachments-only", "--yes"}).exitCode, 0);
-  EXPECT_EQ(count("attachments"), 5);
-  const CliRun deleted = cli({"delete", idOf(1), idOf(2), "--yes"});
+  EXPECT_EQ(count(archive()), "30");
+  EXPECT_EQ(run({"delete", idOf(7), "--attachments-only", "--yes"}).exitCode, 0);
+  EXPECT_EQ(count(archive(), "attachments"), "5");
+  const CliResult deleted = run({"delete", idOf(1), idOf(2), "--yes"});
   EXPECT_EQ(deleted.out, "28 emails in the database.\n");
-  EXPECT_EQ(count("tags"), 2);  // tags outlive their messages
+  EXPECT_EQ(count(archive(), "tags"), "2");  // tags outlive their messages
 }
 
 TEST_F(SearchCliTest, WrongArgumentsAndMissingMessagesChangeNothing) {
@@ -150,15 +116,11 @@ TEST_F(SearchCliTest, WrongArgumentsAndMissingMessagesChangeNothing) {
       {{"show", "1", "--attachment", "0", "--output", "/tmp/x"}, 1, "has no attachment 0"},
   };
   for (const auto& row : rows) {
-    const CliRun run = cli(row.arguments);
-    EXPECT_EQ(run.exitCode, row.exitCode) << row.says;
-    EXPECT_TRUE(run.err.contains(QString::fromUtf8(row.says))) << run.err.toStdString();
+    const CliResult result = run(row.arguments);
+    EXPECT_EQ(result.exitCode, row.exitCode) << row.says;
+    EXPECT_TRUE(result.err.contains(QString::fromUtf8(row.says))) << result.err.toStdString();
   }
-  EXPECT_EQ(count("email") + count("tags") + count("attachments"), 30 + 0 + 6);
-  const CliRun help = cli({"--help"});
-  for (const char* word : {"search", "show", "tag", "delete", "--attachment", "--before-body",
-                           "--where", "--sql", "--attachments-only", "--yes", "--source"})
-    EXPECT_TRUE(help.out.contains(QString::fromUtf8(word))) << word;
+  EXPECT_EQ(count(archive()) + count(archive(), "tags") + count(archive(), "attachments"), "3006");
 }
 
 }  // namespace

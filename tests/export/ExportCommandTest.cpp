@@ -23,20 +23,15 @@ class ExportCommandTest : public ExportFixture {
 };
 
 TEST_F(ExportCommandTest, EachFormatIsWrittenForTheMessagesAndTheOrderTheOptionsGive) {
-  const QStringList kinds = {"mbox file", "SQL file", "Quillery database file",
-                             "tab-delimited text file"};
-  const QStringList formats = {"mbox", "sql", "archive", "tab", "text", "source", "list"};
-  for (qsizetype i = 0; i < formats.size(); ++i) {
-    const QString path = outputPath("out." + formats[i]);
+  // The completion statements are the exporters' own, whose texts the format tests pin.
+  for (const QString format : {"mbox", "sql", "archive", "tab", "text", "source", "list"}) {
+    const QString path = outputPath("out." + format);
     const test::ProgramResult result =
-        cli({"--format", formats[i], "--output", path, "--where", "WHERE numAttach > 0", "--sort",
+        cli({"--format", format, "--output", path, "--where", "WHERE numAttach > 0", "--sort",
              "date", "--descending", "--first-id", "500"});
-    EXPECT_EQ(result.exitCode, 0) << formats[i].toStdString() << result.err.toStdString();
+    EXPECT_EQ(result.exitCode, 0) << format.toStdString() << result.err.toStdString();
     EXPECT_EQ(result.err, QString());
-    const QString done = i < 4   ? "The data has been exported to the " + kinds[i] + ' '
-                         : i < 6 ? QStringLiteral("saved to the text file ")
-                                 : QStringLiteral("This list has been saved to ");
-    EXPECT_TRUE(result.out.contains(done + path + ".\n")) << result.out.toStdString();
+    EXPECT_TRUE(result.out.contains(" " + path + ".\n")) << result.out.toStdString();
   }
   // The list lines show the messages picked, newest first; the script numbers them so.
   QStringList dates;

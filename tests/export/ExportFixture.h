@@ -14,15 +14,7 @@
 #include "support/FakeDialogs.h"
 #include "support/FakeProgress.h"
 #include "support/RecordingFiles.h"
-
-namespace quillery::test {
-
-inline QByteArray bytesOf(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-}  // namespace quillery::test
+#include "support/TestEnvironment.h"
 
 namespace quillery::exporting {
 

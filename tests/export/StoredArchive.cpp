@@ -2,27 +2,21 @@
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
 #include "archive/TestFiles.h"
+#include "support/MailFixtures.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::test {
 namespace {
-
-QByteArray fileBytes(const QString& path) {
-  QFile file(path);
-  return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 // The corpus's single messages as one mbox, each behind a postmark, "From " lines quoted.
 QByteArray corpusMessages(const QString& corpus) {
   QByteArray mail;
   const QDir dir(corpus + "/mime");
   for (const QString& name : dir.entryList({"*.eml"}, QDir::Files, QDir::Name)) {
-    QByteArray data = fileBytes(dir.filePath(name)).replace("\r\n", "\n");
+    QByteArray data = bytesOf(dir.filePath(name)).replace("\r\n", "\n");
     if (data.startsWith("From "))
       data = data.mid(data.indexOf('\n') + 1);
     mail += "From corpus@example.com Mon Jan  1 00:00:00 2001\n" +
@@ -41,7 +35,7 @@ QString build(const QString& archive, const QString& work) {
   const QString withSource = work + "/with-source.mbox";
   const QString withoutSource = work + "/without-source.mbox";
   writeFile(withSource, corpusMessages(corpus) + generated[0] +
-                            fileBytes(QUILLERY_SOURCE_DIR "/tests/export/extra-mail.mbox"));
+                            bytesOf(QUILLERY_SOURCE_DIR "/tests/export/extra-mail.mbox"));
   writeFile(withoutSource, generated[1]);
   QStringList mboxes;
   for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}))
@@ -65,29 +59,6 @@ QString build(const QString& archive, const QString& work) {
 }
 
 }  // namespace
-
-ProgramResult runProgram(const QString& program, const QStringList& arguments,
-                         const QByteArray& input, const QString& home) {
-  QProcess process;
-  QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-  environment.insert("TZ", "UTC");
-  if (!home.isEmpty()) {
-    environment.insert("HOME", home);
-    environment.insert("XDG_CONFIG_HOME", home + "/.config");
-  }
-  process.setProcessEnvironment(environment);
-  process.start(program, arguments);
-  process.write(input);
-  process.closeWriteChannel();
-  if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit)
-    return {-1, {}, process.errorString()};
-  return {process.exitCode(), QString::fromUtf8(process.readAllStandardOutput()),
-          QString::fromUtf8(process.readAllStandardError())};
-}
-
-ProgramResult runCli(const QStringList& arguments, const QString& home) {
-  return runProgram(toolPath("quillery-cli"), arguments, {}, home);
-}
 
 QString StoredArchive::copyTo(const QString& path) {
   static QTemporaryDir work;

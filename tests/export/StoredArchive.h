@@ -1,23 +1,10 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
+
+#include "support/TestEnvironment.h"
 
 namespace quillery::test {
-
-// What a program did: its exit code (-1 when it did not start or end normally) and output.
-struct ProgramResult {
-  int exitCode = -1;
-  QString out;
-  QString err;
-};
-
-// Runs a program with TZ=UTC (and HOME and its configuration in home, when given), feeding
-// it input, and waits up to two minutes.
-ProgramResult runProgram(const QString& program, const QStringList& arguments,
-                         const QByteArray& input = {}, const QString& home = {});
-// quillery-cli of the build, at home in home.
-ProgramResult runCli(const QStringList& arguments, const QString& home);
 
 // An archive stored the way a user stores mail: the real quillery-cli and domail on the
 // shared corpus (its mbox files, its single messages gathered into one mbox, its Apple Mail

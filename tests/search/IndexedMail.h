@@ -61,15 +61,19 @@ struct IndexedMail {
     ingest::StoreRunCounters counters;
     ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
                          test::toolPath(QStringLiteral("domail")));
-    const ingest::StoreSwitches switches{false, true, true, false, true, false};
     for (const bool mbox : {true, false}) {
       if ((mbox ? mboxes : accounts).isEmpty())
         continue;
       QSignalSpy finished(&run, &ingest::StoreRun::finished);
-      run.mboxMode = mbox;
-      run.sourceList = mbox ? mboxes : QStringList();
-      const ingest::StoreSources sources{mbox ? QStringList() : accounts, {}};
-      if (!run.parseEmail(dbPath, switches, {}, sources) || !finished.wait(120000))
+      ingest::StoreRequest request;
+      request.dbPath = dbPath;
+      request.switches = {false, true, true, false, true, false};
+      request.mboxMode = mbox;
+      if (mbox)
+        request.mboxFiles = mboxes;
+      else
+        request.sources.accountList = accounts;
+      if (!run.start(request) || !finished.wait(120000))
         return false;
     }
     return true;

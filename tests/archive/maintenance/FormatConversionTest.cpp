@@ -64,10 +64,8 @@ TEST_F(FormatConversionTest, AnOldArchiveKeepsEveryRowAndCountsItsAttachmentsThe
   EXPECT_EQ(takeAlerts(),
             (QStringList{question(dbPath), "|The pre-7.4.1 format database file " + dbPath +
                                                " has been converted to the new format."}));
-  EXPECT_EQ(
-      progress.events,
-      (QStringList{"controls:0", "open:Converting...", "close", "controls:0", "controls:count:1",
-                   "open:Calculating number of attachments...", "count:0", "close"}));
+  EXPECT_EQ(progress.events.filter("open:"),
+            (QStringList{"open:Converting...", "open:Calculating number of attachments..."}));
   EXPECT_EQ(panelClosed, 2);
   EXPECT_EQ(list.listCount + archive.idCount + archive.idList.size(), 0);
   EXPECT_TRUE(archive.isOpen());
@@ -135,11 +133,11 @@ TEST_F(FormatConversionTest, WhatCannotBeConvertedIsLeftAsItWasWithItsAlert) {
 TEST_F(FormatConversionTest, FaultsInTheRecountLeaveACurrentFileWithEveryRow) {
   // A count that cannot be stored is logged and the others are stored.
   makeOldFormat(dbPath, kOldRows);
-  progress.atTitle = QStringLiteral("Calculating number of attachments...");
-  progress.action = [&] {
-    archive.exec(
-        "CREATE TEMP TRIGGER refuse BEFORE UPDATE ON main.email WHEN NEW.id=1 BEGIN "
-        "SELECT RAISE(ABORT,'refused'); END");
+  progress.onEvent = [&](const QString& event) {
+    if (event == "open:Calculating number of attachments...")
+      archive.exec(
+          "CREATE TEMP TRIGGER refuse BEFORE UPDATE ON main.email WHEN NEW.id=1 BEGIN "
+          "SELECT RAISE(ABORT,'refused'); END");
   };
   ASSERT_TRUE(convert(dbPath));
   EXPECT_EQ(errorLines, QStringList{"SQL error updating number of attachments\n"});

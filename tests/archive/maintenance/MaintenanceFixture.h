@@ -2,32 +2,18 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QTemporaryDir>
 
-#include "MailFixtures.h"
 #include "archive/Archive.h"
 #include "archive/TestFiles.h"
 #include "search/ResultList.h"
 #include "support/FakeDialogs.h"
 #include "support/FakeProgress.h"
+#include "support/MailFixtures.h"
 #include "support/RecordingFiles.h"
 #include "support/TestEnvironment.h"
 
 namespace quillery::maintenance {
-
-// Progress that lets a test act when the panel opens with a title, as a fault arriving in
-// the middle of the work would.
-class ActingProgress : public test::FakeProgress {
- public:
-  void open(const QString& title) override {
-    FakeProgress::open(title);
-    if (title == atTitle && action)
-      action();
-  }
-  QString atTitle;
-  std::function<void()> action;
-};
 
 // Real archive files in a temporary folder, the real archive and result list, and the fake
 // ports. Archives come from the real parser tool through quillery-cli or are built with SQL.
@@ -37,14 +23,9 @@ class MaintenanceFixture : public ::testing::Test {
 
   // Stores mbox files into the archive at file through quillery-cli and the real domail.
   static void store(const QString& file, const QStringList& mboxes) {
-    QStringList arguments{"store", "--archive", file, "--mbox"};
-    QProcess cli;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("TZ"), QStringLiteral("UTC"));
-    cli.setProcessEnvironment(environment);
-    cli.start(test::toolPath(QStringLiteral("quillery-cli")), arguments + mboxes);
-    ASSERT_TRUE(cli.waitForFinished(120000));
-    ASSERT_EQ(cli.exitCode(), 0) << cli.readAllStandardError().toStdString();
+    const test::ProgramResult stored =
+        test::runCli(QStringList{"store", "--archive", file, "--mbox"} + mboxes);
+    ASSERT_EQ(stored.exitCode, 0) << stored.err.toStdString();
   }
   // The archive at file made of generated messages first .. first + count - 1.
   void storeGenerated(const QString& file, int count) {
@@ -110,7 +91,7 @@ class MaintenanceFixture : public ::testing::Test {
   QTemporaryDir dir;
   QString dbPath = path(QStringLiteral("archive.db"));
   test::FakeDialogs dialogs;
-  ActingProgress progress;
+  test::FakeProgress progress;
   test::RecordingFiles files;
   archive::Archive archive{dialogs, files};
   search::ResultList list{archive, dialogs, progress};

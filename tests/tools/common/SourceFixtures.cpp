@@ -1,7 +1,9 @@
 #include "SourceFixtures.h"
 
+#include <fcntl.h>
 #include <gmime/gmime.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -29,19 +31,25 @@ std::string emlx(const std::string& message, long count, bool oldTrailer, std::t
   countText.resize(std::max<std::size_t>(countText.size(), 10), ' ');
   const std::string doctype =
       oldTrailer ? "-//Apple Computer//DTD PLIST 1.0//EN" : "-//Apple//DTD PLIST 1.0//EN";
+  const std::string dates = dateSent < 0 ? ""
+                                         : "\t<key>date-received</key>\n\t<integer>" +
+                                               std::to_string(received) +
+                                               "</integer>\n\t<key>date-sent</key>\n\t<real>" +
+                                               std::to_string(dateSent) + ".0</real>\n";
   return countText + "\n" + message +
          "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"" + doctype +
          "\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist version=\"1.0\">\n"
-         "<dict>\n\t<key>date-received</key>\n\t<integer>" +
-         std::to_string(received) + "</integer>\n\t<key>date-sent</key>\n\t<real>" +
-         std::to_string(dateSent) +
-         ".0</real>\n\t<key>flags</key>\n\t<integer>8590195713"
-         "</integer>\n</dict>\n</plist>\n";
+         "<dict>\n" +
+         dates + "\t<key>flags</key>\n\t<integer>8590195713</integer>\n</dict>\n</plist>\n";
 }
 
-void writeFile(const std::string& path, const std::string& bytes) {
+void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
   std::filesystem::create_directories(std::filesystem::path(path).parent_path());
   ASSERT_TRUE(std::ofstream(path, std::ios::binary) << bytes) << "cannot write " << path;
+  const timespec times[2] = {{modified, 0}, {modified, 0}};
+  if (modified != 0) {
+    ::utimensat(AT_FDCWD, path.c_str(), times, 0);
+  }
 }
 
 std::string readFile(const std::string& path) {

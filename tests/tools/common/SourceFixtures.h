@@ -16,12 +16,13 @@ std::vector<std::string> numberedMessages(const std::vector<int>& numbers);  // 
 
 // An .emlx file: the byte-count line (the count padded with blanks to ten columns, as Apple
 // Mail writes it, or `count` when given), the message, and a property list with the dates
-// (a modern trailer, or the old "Apple Computer" one when `oldTrailer`).
+// (none when negative; a modern trailer, or the old "Apple Computer" one when `oldTrailer`).
 std::string emlx(const std::string& message, long count = -1, bool oldTrailer = false,
                  std::time_t dateSent = 1500000000, std::time_t received = 1500000100);
 
-// Writes `bytes` to `path`, creating the folders above it; fails the test when it cannot.
-void writeFile(const std::string& path, const std::string& bytes);
+// Writes `bytes` to `path`, creating the folders above it, and sets its modification time
+// when `modified` is given; fails the test when it cannot.
+void writeFile(const std::string& path, const std::string& bytes, std::time_t modified = 0);
 
 // The contents of a file, or empty text.
 std::string readFile(const std::string& path);

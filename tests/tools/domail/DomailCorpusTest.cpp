@@ -52,7 +52,7 @@ TEST(DomailCorpusTest, MimeSamplesMatchTheirKeptRecords) {
   for (std::size_t i = 0; i < files.size(); ++i) {
     writeFile(
         home / ("Library/Mail/Samples/INBOX.mbox/Messages/" + std::to_string(i + 1) + ".emlx"),
-        emlx(readFile(files[i].string())), kFixedTime);
+        emlx(readFile(files[i].string()), -1, false, -1), kFixedTime);
   }
   ToolRequest request;
   request.mode = ToolRequest::Accounts;

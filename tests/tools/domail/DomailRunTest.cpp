@@ -15,21 +15,6 @@ namespace {
 
 using ::quillery::test::DomailDriver;
 
-std::string message(const std::string& subject,
-                    const std::string& date = "Mon, 7 Jan 2019 10:00:00 +0000",
-                    const std::string& body = "Hello.\n", const std::string& extra = "") {
-  return "From: Sender <sender@example.com>\nTo: owner@example.org\nSubject: " + subject + "\n" +
-         (date.empty() ? "" : "Date: " + date + "\n") + extra + "\n" + body;
-}
-
-std::string mbox(const std::vector<std::string>& messages) {
-  std::string out;
-  for (const std::string& m : messages) {
-    out += "From sender@example.com Sat Mar  2 12:00:00 2019\n" + m + "\n";
-  }
-  return out;
-}
-
 // The subjects of a run that must go without a fault, in the order the tool announced them.
 std::string subjectsOf(const ToolRequest& request) {
   const ToolOutcome run = runTool(request);
@@ -41,13 +26,13 @@ std::string subjectsOf(const ToolRequest& request) {
 TEST(DomailRunTest, DateRangeComparesLocalDateTextsWithBothEnds) {
   ScratchDir dir;
   writeFile(dir / "dates.mbox",
-            mbox({message("feb 28 late", "Thu, 28 Feb 2019 23:59:59 +0000"),
-                  message("mar 1 midnight", "Fri, 1 Mar 2019 00:00:00 +0000"),
-                  message("mar 15", "Fri, 15 Mar 2019 12:00:00 +0000"),
-                  message("apr 1 midnight", "Mon, 1 Apr 2019 00:00:00 +0000"),
-                  message("apr 1 noon", "Mon, 1 Apr 2019 12:00:00 +0000"),
+            mbox({mail("feb 28 late", "Thu, 28 Feb 2019 23:59:59 +0000"),
+                  mail("mar 1 midnight", "Fri, 1 Mar 2019 00:00:00 +0000"),
+                  mail("mar 15", "Fri, 15 Mar 2019 12:00:00 +0000"),
+                  mail("apr 1 midnight", "Mon, 1 Apr 2019 00:00:00 +0000"),
+                  mail("apr 1 noon", "Mon, 1 Apr 2019 12:00:00 +0000"),
                   // No Date: the postmark's Sat Mar 2 2019 counts.
-                  message("postmark only", ""), message("2020", "Tue, 10 Mar 2020 08:00:00 GMT")}));
+                  mail("postmark only", ""), mail("2020", "Tue, 10 Mar 2020 08:00:00 GMT")}));
   ToolRequest request;
   request.sources = {dir / "dates.mbox"};
   const std::tuple<const char*, const char*, const char*, const char*> ranges[] = {
@@ -79,9 +64,9 @@ TEST(DomailRunTest, SwitchesChooseMailboxesAndParts) {
   ScratchDir home;
   const std::string account = home / "Library/Mail/V2/Work/";
   for (const std::string box : {"INBOX", "Sent Messages", "Projects", "Trash", "Junk"}) {
-    writeFile(account + box + ".mbox/Messages/1.emlx", emlx(message("work " + box)));
+    writeFile(account + box + ".mbox/Messages/1.emlx", emlx(mail("work " + box)));
   }
-  writeFile(home / "Library/Mail/V2/Mailboxes/Saved.mbox/Messages/9.emlx", emlx(message("saved")));
+  writeFile(home / "Library/Mail/V2/Mailboxes/Saved.mbox/Messages/9.emlx", emlx(mail("saved")));
   ToolRequest request;
   request.mode = ToolRequest::Accounts;
   request.home = home.path();
@@ -102,12 +87,11 @@ TEST(DomailRunTest, SwitchesChooseMailboxesAndParts) {
   // The part switches on a message with an HTML alternative and a PDF.
   writeFile(
       home / "parts.mbox",
-      mbox({message("parts", "Mon, 7 Jan 2019 10:00:00 +0000",
-                    "--m\nContent-Type: multipart/alternative; boundary=a\n\n--a\n"
-                    "Content-Type: text/plain\n\nplain words\n--a\nContent-Type: text/html\n\n"
-                    "<p>html <b>words</b></p>\n--a--\n--m\nContent-Type: application/pdf; "
-                    "name=report.pdf\nContent-Transfer-Encoding: base64\n\nJVBERi0xLjQK\n--m--\n",
-                    "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n")}));
+      mbox({mail("parts", kDate, "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n",
+                 "--m\nContent-Type: multipart/alternative; boundary=a\n\n--a\n"
+                 "Content-Type: text/plain\n\nplain words\n--a\nContent-Type: text/html\n\n"
+                 "<p>html <b>words</b></p>\n--a--\n--m\nContent-Type: application/pdf; "
+                 "name=report.pdf\nContent-Transfer-Encoding: base64\n\nJVBERi0xLjQK\n--m--\n")}));
   request.mode = ToolRequest::Mbox;
   request.sources = {home / "parts.mbox"};
   const std::string html = "|part-1.2.html 8bit <p>html <b>words</b></p>\n";
@@ -140,20 +124,19 @@ TEST(DomailRunTest, OddMessagesNeverEndARecordEarlyAndAreAlwaysAnswerable) {
         "first line\nENDOFBODY:\ntext then ENDOFBODY:\nENDOFEMAIL: not yet\nENDATTACH:\n"
         "ENDATTACHMENTS:\n" +
         guard + "RAW: like a tag\n" + guard + "ENDOFRAW:\nlast line\n";
-    return message("tricky", "Mon, 7 Jan 2019 10:00:00 +0000",
-                   "--m\nContent-Type: text/plain\n\n" + lines +
-                       "--m\nContent-Type: text/plain; name=notes.txt\n"
-                       "Content-Disposition: attachment\n\n" +
-                       lines + "--m--\n",
-                   "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n");
+    return mail("tricky", kDate, "MIME-Version: 1.0\nContent-Type: multipart/mixed; boundary=m\n",
+                "--m\nContent-Type: text/plain\n\n" + lines +
+                    "--m\nContent-Type: text/plain; name=notes.txt\n"
+                    "Content-Disposition: attachment\n\n" +
+                    lines + "--m--\n");
   };
   ScratchDir dir;
   writeFile(
       dir / "attachment",
       mbox({tricky(""), "From: a@example.com\nDate: Mon, 7 Jan 2019 10:00:00 +0000\n\nno subject\n",
-            message("Looking for email"), message(std::string(5000, 'x')),
-            message("Gr\xFC\xDF"
-                    "e in Latin-1")}));
+            mail("Looking for email"), mail(std::string(5000, 'x')),
+            mail("Gr\xFC\xDF"
+                 "e in Latin-1")}));
   ToolRequest request;
   request.sources = {dir / "attachment"};
   const ToolOutcome run = runTool(request);
@@ -188,18 +171,17 @@ TEST(DomailRunTest, TextBetweenPostmarksWithoutHeadersIsAMessageOfItsOwn) {
       "Just some text\nSubject: not a header here\nDate: Tue, 1 Jan 2030 10:00:00 +0000\n\n"
       "and a last line\n";
   const std::string indented = "\tindented words\r\nFrom: nobody@example.com\r\n";
-  writeFile(dir / "odd.mbox", mbox({message("first")}) + "From b@c Sun Mar  3 13:14:15 2019\n" +
-                                  odd + "\n" + mbox({message("last")}));
+  writeFile(dir / "odd.mbox", mbox({mail("first")}) + "From b@c Sun Mar  3 13:14:15 2019\n" + odd +
+                                  "\n" + mbox({mail("last")}));
   writeFile(dir / "opens.mbox", "From x@y Fri Feb  1 08:00:00 2019\n" + indented);
   ToolRequest request;
   request.sources = {dir / "odd.mbox", dir / "opens.mbox"};
   const ToolOutcome run = runTool(request);
-  const std::string sender = "|Sender <sender@example.com>|owner@example.org|";
   EXPECT_EQ(run.records(),
             (std::vector<std::string>{
-                "odd.mbox" + sender + "first|2019-01-07 10:00:00|sender@example.com|Hello.",
+                record("odd.mbox", "first"),
                 "odd.mbox||||2019-03-03 13:14:15||" + odd.substr(0, odd.size() - 1),
-                "odd.mbox" + sender + "last|2019-01-07 10:00:00|sender@example.com|Hello.",
+                record("odd.mbox", "last"),
                 "opens.mbox||||2019-02-01 08:00:00||indented words\nFrom: nobody@example.com"}));
   EXPECT_EQ(run.messages.at(1).raw, odd) << "the source is kept as it stands";
   EXPECT_EQ(run.invalid, std::vector<std::string>{});
@@ -209,8 +191,7 @@ TEST(DomailRunTest, TextBetweenPostmarksWithoutHeadersIsAMessageOfItsOwn) {
 
 TEST(DomailRunTest, EndOfInputSignalsAndAClosedOutputEndTheRunCleanly) {
   ScratchDir dir;
-  writeFile(dir / "five.mbox",
-            mbox({message("1"), message("2"), message("3"), message("4"), message("5")}));
+  writeFile(dir / "five.mbox", mbox({mail("1"), mail("2"), mail("3"), mail("4"), mail("5")}));
   ToolRequest request;
   request.sources = {dir / "five.mbox"};
   // Closed input (0), each stop signal, or a closed output after two answers (-1).

@@ -15,19 +15,6 @@ namespace fs = std::filesystem;
 using List = std::vector<std::string>;
 using ::quillery::test::DomailDriver;
 
-std::string mail(const std::string& subject, const std::string& extra = "",
-                 const std::string& date = "Date: Mon, 7 Jan 2019 10:00:00 +0000\n") {
-  return "From: Sender <sender@example.com>\nTo: owner@example.org\nSubject: " + subject + "\n" +
-         date + extra + "\nBody of " + subject + ".\n";
-}
-
-// The record of mail(subject) filed under `mailbox`.
-std::string record(const std::string& mailbox, const std::string& subject,
-                   const std::string& date = "2019-01-07 10:00:00") {
-  return mailbox + "|Sender <sender@example.com>|owner@example.org|" + subject + "|" + date +
-         "|sender@example.com|Body of " + subject + ".";
-}
-
 std::string crlf(const std::string& text) {
   std::string out;
   for (const char c : text) {
@@ -40,7 +27,7 @@ std::string crlf(const std::string& text) {
 std::string thunderbirdMbox(const List& subjects) {
   std::string out;
   for (const std::string& s : subjects) {
-    out += "From - Mon Jan  7 10:00:00 2019\n" + mail(s, "X-Mozilla-Status: 0001\n") + "\n";
+    out += "From - Mon Jan  7 10:00:00 2019\n" + mail(s, kDate, "X-Mozilla-Status: 0001\n") + "\n";
   }
   return out;
 }
@@ -55,7 +42,7 @@ TEST(LinuxMailTest, AMaildirGivesEachMessageOnceWithItsSubfoldersAndWithoutTmp) 
   ScratchDir home;
   const std::string md = home / "Maildir/";
   writeFile(md + "cur/1700000000.M0P1.host:2,S", mail("seen"));
-  writeFile(md + "new/1700000001.M1P1.host", mail("no date", "", ""));
+  writeFile(md + "new/1700000001.M1P1.host", mail("no date", ""));
   writeFile(md + "cur/1700000002.M2P1.host:2,RS", crlf(mail("crlf")));
   writeFile(md + "tmp/1700000003.M3P1.host", mail("still arriving"));
   // Caught between new/ and cur/ by a mail client: one message.
@@ -194,7 +181,7 @@ TEST(LinuxMailTest, GmailTakeoutLabelsNameTheMailbox) {
   for (const auto& [header, mailbox] : labels) {
     const std::string subject = "labelled " + std::to_string(expected.size());
     mbox += "From 1600000000000000000@xxx Wed Jan 01 10:00:00 +0000 2020\n" +
-            mail(subject, "X-GM-THRID: 16\n" + std::string(header)) + "\n";
+            mail(subject, kDate, "X-GM-THRID: 16\n" + std::string(header)) + "\n";
     expected.push_back(record(mailbox, subject));
   }
   writeFile(dir / "Takeout.mbox", mbox);

@@ -1,11 +1,6 @@
 #include "ToolRun.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "support/TestEnvironment.h"
@@ -17,24 +12,25 @@ namespace fs = std::filesystem;
 
 using ::quillery::test::DomailDriver;
 
-void writeFile(const std::string& path, const std::string& bytes, std::time_t modified) {
-  fs::create_directories(fs::path(path).parent_path());
-  std::ofstream(path, std::ios::binary) << bytes;
-  if (modified != 0) {
-    const timespec times[2] = {{modified, 0}, {modified, 0}};
-    ::utimensat(AT_FDCWD, path.c_str(), times, 0);
+std::string mail(const std::string& subject, const std::string& date, const std::string& extra,
+                 const std::string& body) {
+  return "From: Sender <sender@example.com>\nTo: owner@example.org\nSubject: " + subject + "\n" +
+         (date.empty() ? "" : "Date: " + date + "\n") + extra + "\n" +
+         (body.empty() ? "Body of " + subject + ".\n" : body);
+}
+
+std::string mbox(const std::vector<std::string>& messages) {
+  std::string out;
+  for (const std::string& m : messages) {
+    out += "From sender@example.com Sat Mar  2 12:00:00 2019\n" + m + "\n";
   }
+  return out;
 }
 
-std::string readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-std::string emlx(const std::string& message) {
-  return std::to_string(message.size()) + "       \n" + message +
-         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n"
-         "\t<key>flags</key>\n\t<integer>8590195713</integer>\n</dict>\n</plist>\n";
+std::string record(const std::string& mailbox, const std::string& subject,
+                   const std::string& date) {
+  return mailbox + "|Sender <sender@example.com>|owner@example.org|" + subject + "|" + date +
+         "|sender@example.com|Body of " + subject + ".";
 }
 
 std::string domailPath() {

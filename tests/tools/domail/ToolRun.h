@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QTemporaryDir>
-#include <ctime>
 #include <string>
 #include <vector>
 
 #include "StoredRecord.h"
+#include "common/SourceFixtures.h"
 
 namespace quillery::tools::test {
 
@@ -16,11 +16,21 @@ struct ScratchDir {
   std::string operator/(const std::string& name) const { return path() + "/" + name; }
 };
 
-// Writes a file, creating its folders; sets its modification time when `modified` is given.
-void writeFile(const std::string& path, const std::string& bytes, std::time_t modified = 0);
-std::string readFile(const std::string& path);
-// An Apple Mail .emlx file: byte count line, the message, a property list.
-std::string emlx(const std::string& message);
+using ::quillery::test::emlx;
+using ::quillery::test::readFile;
+using ::quillery::test::writeFile;
+
+inline constexpr char kDate[] = "Mon, 7 Jan 2019 10:00:00 +0000";
+// A message from Sender <sender@example.com> to owner@example.org with these extra header
+// lines, without a Date header when `date` is empty, its body "Body of <subject>.\n" unless
+// one is given.
+std::string mail(const std::string& subject, const std::string& date = kDate,
+                 const std::string& extra = "", const std::string& body = "");
+// The messages in an mbox file, each behind a postmark of Sat Mar 2 2019.
+std::string mbox(const std::vector<std::string>& messages);
+// The record of mail(subject) filed under `mailbox`, as StoredRecord::whole() gives it.
+std::string record(const std::string& mailbox, const std::string& subject,
+                   const std::string& date = "2019-01-07 10:00:00");
 
 // What the application would ask of the tool.
 struct ToolRequest {

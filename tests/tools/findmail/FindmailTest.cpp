@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
@@ -33,22 +32,12 @@ class FindmailTest : public ::testing::Test {
 
   Run run(const QStringList& arguments, const std::string& output = {}) const {
     const std::string list = output.empty() ? outFile() : output;
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert(QStringLiteral("HOME"), QString::fromStdString(home()));
-    process.setProcessEnvironment(env);
-    process.start(toolPath(QStringLiteral("findmail")),
-                  QStringList{QString::fromStdString(list)} + arguments);
-    Run result;
-    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit) {
-      ADD_FAILURE() << "findmail did not end normally";
-      return result;
-    }
-    result.exitCode = process.exitCode();
-    result.errors = process.readAllStandardError().toStdString();
+    const ProgramResult result =
+        runProgram(toolPath(QStringLiteral("findmail")),
+                   QStringList{QString::fromStdString(list)} + arguments, {}, home_.path());
     QFile file(QString::fromStdString(list));
-    result.list = file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(none)";
-    return result;
+    return {result.exitCode, result.err.toStdString(),
+            file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : "(none)"};
   }
 
  private:
@@ -135,10 +124,7 @@ TEST_F(FindmailTest, TroubleEndsWithStatusZeroAndSaysWhy) {
   EXPECT_NE(result.errors.find("cannot write"), std::string::npos) << result.errors;
   EXPECT_EQ(result.list, "(none)");
 
-  QProcess bare;
-  bare.start(toolPath(QStringLiteral("findmail")), {});
-  ASSERT_TRUE(bare.waitForFinished(60000));
-  EXPECT_EQ(bare.exitCode(), 0);
+  EXPECT_EQ(runProgram(toolPath(QStringLiteral("findmail")), {}).exitCode, 0);
 }
 
 }  // namespace

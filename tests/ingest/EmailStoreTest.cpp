@@ -68,9 +68,10 @@ TEST_F(EmailStoreTest, AFailingInsertIsLoggedOnceAndRetriedWithAnEmptySubject) {
   failInsertsWhen("email", "NEW.subj_fld LIKE '%poison%'");
   reader.storeInDB(record("poison \"pill\"", "BODY:kept\nENDOFBODY:\n"));
   EXPECT_EQ(value("SELECT subj_fld, body_fld FROM email"), "|kept");
+  // The reason takes the line under the message line, which the mailbox's line end opens.
   EXPECT_EQ(storeLogText(), QStringLiteral("SQL error for this email: 19  2020-03-04 05:06:07::"
                                            "Ann <ann@example.com>::bob@example.com::"
-                                           "poison \"\"pill\"\"::Box\n\n"));
+                                           "poison \"\"pill\"\"::Box\nSQLite: refused\n"));
   EXPECT_EQ(QList<int>({counters.sqlErrorCount, counters.storedCount, message.messageStored}),
             QList<int>({1, 1, true}));
 
@@ -129,7 +130,7 @@ TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {
                           "ENDATTACHMENTS:\n"));
   const QString suffix = QStringLiteral(
       "19  2020-03-04 05:06:07::Ann <ann@example.com>::bob@example.com::Logged \"\"twice\"\"::"
-      "Box\n\n");
+      "Box\nSQLite: refused\n");
   // The raw source fails, so the message counts as not stored and is stored once more at
   // the end of its attachments, replacing the first row: escaped once again, not twice.
   EXPECT_EQ(storeLogText(), "SQL error for raw source of this email: " + suffix +
@@ -143,9 +144,32 @@ TEST_F(EmailStoreTest, FailuresAfterTheEmailRowAreLoggedAndTheRowStays) {
   reader.storeInDB(record("Updated",
                           "BODY:b\nENDOFBODY:\nATTACH:\nFILENAME:ok\nBLOB:\nx\n"
                           "ENDATTACH:\nENDATTACHMENTS:\n"));
-  EXPECT_TRUE(storeLogText().endsWith("SQL error updating number of attachments\n"))
+  EXPECT_TRUE(storeLogText().endsWith("SQL error updating number of attachments\nSQLite: no\n"))
       << storeLogText().toStdString();
   EXPECT_EQ(counters.sqlErrorCount, 4);
+}
+
+TEST_F(EmailStoreTest, NulCharactersAreStoredAsReplacementCharactersAndNothingElseChanges) {
+  // Binary junk in a part without encoding reaches the record files as it is; a NUL would
+  // end the statement's text where it stands.
+  const QChar nul(0);
+  store.setOrigState(true);
+  writeRaw(QByteArray("Subject: junk\n\nbin\0ary\n", 23));
+  const QString junk =
+      record(QStringLiteral("Ju") + nul + QStringLiteral("nk"),
+             QStringLiteral("BODY:a") + nul +
+                 QStringLiteral("b\nENDOFBODY:\nATTACH:\nFILENAME:j.txt\nBLOB:\nx") + nul +
+                 QStringLiteral("y\nENDATTACH:\nENDATTACHMENTS:\n"));
+  reader.storeInDB(junk);
+  // Stored again, it is found as the same message.
+  reader.storeInDB(junk);
+  EXPECT_EQ(rows("SELECT subj_fld, body_fld, attach_fld, orig_fld FROM email JOIN attachments "
+                 "USING(id) JOIN origemail USING(id)"),
+            QStringList{QStringLiteral("Ju\uFFFDnk|a\uFFFDb\n\nATTACHMENTS:|x\uFFFDy\n|Subject: "
+                                       "junk\n\nbin\uFFFDary\n")});
+  EXPECT_EQ(QList<int>({counters.storedCount, counters.duplicateCount, message.messageStored}),
+            QList<int>({2, 1, true}));
+  EXPECT_EQ(storeLogText(), QString());
 }
 
 TEST_F(EmailStoreTest, ADamagedArchiveStopsTheRunWithAnAlert) {

@@ -5,11 +5,11 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <ctime>
-#include <functional>
 #include <memory>
 
 #include "archive/Archive.h"
 #include "archive/TestFiles.h"
+#include "ingest/StorePreparation.h"
 #include "ingest/StoreRun.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
@@ -18,18 +18,6 @@
 #include "support/TestEnvironment.h"
 
 namespace quillery::ingest {
-
-// Progress that can act when the run shows a given count, as a user pressing cancel would.
-class ActingProgress : public test::FakeProgress {
- public:
-  void showCount(const QString& text) override {
-    FakeProgress::showCount(text);
-    if (text == atCount && action)
-      action();
-  }
-  QString atCount;
-  std::function<void()> action;
-};
 
 // A store run over real objects: a real archive file in a temporary folder, the real result
 // list and, unless a test says otherwise, the real parser tool of the build.
@@ -42,8 +30,12 @@ class StoreRunFixture : public ::testing::Test {
     makeRun(test::toolPath(QStringLiteral("domail")));
   }
 
-  void makeRun(const QString& tool) {
-    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool);
+  // A new run with this tool, and a new preparation for it.
+  void makeRun(const QString& tool, CommitInterval interval = {}) {
+    preparation.reset();
+    run = std::make_unique<StoreRun>(archive, list, message, counters, dialogs, progress, tool,
+                                     interval);
+    preparation = std::make_unique<StorePreparation>(archive, dialogs, counters, *run);
   }
 
   QString dbPath() const { return dir.filePath(QStringLiteral("archive")); }
@@ -54,7 +46,9 @@ class StoreRunFixture : public ::testing::Test {
   QString runToEnd(const StoreSwitches& switches, const StoreSources& sources = {},
                    const StoreDateRange& dates = {}) {
     QSignalSpy finished(run.get(), &StoreRun::finished);
-    if (!run->parseEmail(dbPath(), switches, dates, sources))
+    const std::optional<StoreRequest> request =
+        preparation->prepareRun(dbPath(), switches, dates, sources);
+    if (!request || !run->start(*request))
       return {};
     if (finished.isEmpty() && !finished.wait(120000))
       return QStringLiteral("(the run did not end)");
@@ -62,8 +56,7 @@ class StoreRunFixture : public ::testing::Test {
   }
 
   QString storeMbox(const QStringList& files, const StoreSwitches& switches = allOn()) {
-    run->sourceList = files;
-    run->mboxMode = true;
+    preparation->useMboxFiles(files);
     return runToEnd(switches);
   }
 
@@ -74,13 +67,14 @@ class StoreRunFixture : public ::testing::Test {
 
   QTemporaryDir dir;
   test::FakeDialogs dialogs;
-  ActingProgress progress;
+  test::FakeProgress progress;
   platform::QtFiles files;
   archive::Archive archive{dialogs, files};
   search::ResultList list{archive, dialogs, progress};
   CurrentMessage message;
   StoreRunCounters counters;
   std::unique_ptr<StoreRun> run;
+  std::unique_ptr<StorePreparation> preparation;
 };
 
 }  // namespace quillery::ingest

@@ -23,7 +23,7 @@ class StoreFixture : public ::testing::Test {
     archive.openDB(paths.dbPath);
     ASSERT_FALSE(archive.openFailed);
     storeLog.open(paths.storeLog);
-    store.setPaths(paths);
+    store.beginRun(paths);
     store.setOrigState(false);
   }
 
@@ -65,9 +65,10 @@ class StoreFixture : public ::testing::Test {
   CurrentMessage message;
   StoreRunCounters counters;
   StoreLog storeLog;
-  int listCount = 0;
+  // The messages the reader has counted, one per "FROM:" line.
+  int messagesCounted = 0;
   EmailStore store{archive, message, counters, storeLog, dialogs, progress};
-  RecordReader reader{store, archive, message, counters, storeLog, progress, listCount};
+  RecordReader reader{store, message, counters, [this] { ++messagesCounted; }};
 };
 
 }  // namespace quillery::ingest

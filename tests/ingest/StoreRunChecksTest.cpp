@@ -56,12 +56,12 @@ class StoreRunChecksTest : public StoreRunFixture {
 
 TEST_F(StoreRunChecksTest, NothingIsStoredWithoutSourcesConfirmationOrATool) {
   useStandIn(0);
-  QSignalSpy closed(run.get(), &StoreRun::storeDatePanelClosed);
+  QSignalSpy closed(preparation.get(), &StorePreparation::storeDatePanelClosed);
   counters.storedCount = 7;
   StoreSwitches mailboxes = allOn();
   mailboxes.mailboxesState = true;
-  EXPECT_FALSE(run->parseEmail(dbPath(), mailboxes, {}, {{QStringLiteral("acct")}, {}}));
-  EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {{}, {QStringLiteral("box")}}));
+  EXPECT_FALSE(preparation->prepareRun(dbPath(), mailboxes, {}, {{QStringLiteral("acct")}, {}}));
+  EXPECT_FALSE(preparation->prepareRun(dbPath(), allOn(), {}, {{}, {QStringLiteral("box")}}));
   EXPECT_EQ(dialogs.messages(),
             (QStringList{"You have not selected any mailboxes to store in the database.  Click on "
                          "the Setup button to select your mailboxes.",
@@ -73,20 +73,20 @@ TEST_F(StoreRunChecksTest, NothingIsStoredWithoutSourcesConfirmationOrATool) {
   EXPECT_EQ(counters.storedCount, 0);
 
   // Choosing mbox files: a cancelled panel changes nothing; chosen files switch to mbox mode.
-  EXPECT_FALSE(run->openMbox());
+  EXPECT_FALSE(preparation->openMbox());
   ASSERT_EQ(dialogs.openPanels.size(), 1);
   EXPECT_EQ(dialogs.openPanels[0].title + '|' + dialogs.openPanels[0].prompt,
             QStringLiteral("Import MBOX Files|Open"));
   EXPECT_TRUE(dialogs.openPanels[0].multipleSelection);
-  EXPECT_FALSE(run->mboxMode);
+  EXPECT_FALSE(preparation->mboxMode());
   dialogs.setNextFileNames({QStringLiteral("/a.mbox"), QStringLiteral("/b.mbox")});
-  ASSERT_TRUE(run->openMbox());
-  EXPECT_EQ(run->sourceList, (QStringList{"/a.mbox", "/b.mbox"}));
-  run->cancelStore();
+  ASSERT_TRUE(preparation->openMbox());
+  EXPECT_EQ(preparation->sourceList(), (QStringList{"/a.mbox", "/b.mbox"}));
+  preparation->cancelStore();
 
   dialogs.alerts.clear();
   dialogs.setNextAnswer(1);
-  EXPECT_FALSE(run->parseEmail(dbPath(), allOn(), {}, {}));
+  EXPECT_FALSE(preparation->prepareRun(dbPath(), allOn(), {}, {}));
   ASSERT_EQ(dialogs.alerts.size(), 1);
   EXPECT_EQ(dialogs.alerts[0].title, "Store Email in Database");
   EXPECT_EQ(dialogs.alerts[0].buttons, (QStringList{"OK", "Cancel"}));
@@ -94,7 +94,7 @@ TEST_F(StoreRunChecksTest, NothingIsStoredWithoutSourcesConfirmationOrATool) {
   EXPECT_FALSE(QFile::exists(dbPath()));
   EXPECT_FALSE(QFile::exists(dbPath() + QStringLiteral(".storelog")));
   EXPECT_FALSE(QFile::exists(out + QStringLiteral(".args")));
-  EXPECT_TRUE(run->mboxMode);  // only the end of a run clears it
+  EXPECT_TRUE(preparation->mboxMode());  // only the end of a run clears it
 
   // A tool that cannot run still ends the run, with nothing read and nothing listed (the
   // range 999999 to 0 lists nothing).
@@ -129,9 +129,11 @@ TEST_F(StoreRunChecksTest, TheConfirmationNamesWhatWillBeStored) {
   for (const auto& row : rows) {
     dialogs.alerts.clear();
     dialogs.setNextAnswer(1);
-    run->mboxMode = row.mbox;
-    run->parseEmail(dbPath(), {row.allmb, row.attach, false, row.trash, false, false}, {},
-                    {{QStringLiteral("acct")}, {}});
+    makeRun(test::toolPath(QStringLiteral("domail")));
+    if (row.mbox)
+      preparation->useMboxFiles({QStringLiteral("/a.mbox")});
+    preparation->prepareRun(dbPath(), {row.allmb, row.attach, false, row.trash, false, false}, {},
+                            {{QStringLiteral("acct")}, {}});
     EXPECT_EQ(dialogs.messages(), QStringList{row.expected});
   }
 }
@@ -167,7 +169,7 @@ TEST_F(StoreRunChecksTest, TheToolGetsItsArgumentsAndEveryAnnouncementAnAnswer) 
     EXPECT_FALSE(QFile::exists(dbPath() + QLatin1String(suffix))) << suffix;
   EXPECT_EQ(list.listCount, 2) << progress.events.join(QStringLiteral("#")).toStdString();
   EXPECT_EQ(count(QStringLiteral("SELECT count(*) FROM origemail")), 2);
-  EXPECT_FALSE(run->mboxMode || counters.processedCount);
+  EXPECT_FALSE(preparation->mboxMode() || counters.processedCount);
   EXPECT_EQ(progress.events.first(), "count:0");
   for (const char* event :
        {"title:Processing attachment or HTML...", "item:/mail/file1\nSubject 1", "controls:0"})
@@ -196,10 +198,28 @@ TEST_F(StoreRunChecksTest, TheToolGetsItsArgumentsAndEveryAnnouncementAnAnswer) 
   EXPECT_EQ(args.mid(10), (QStringList{"one", "two", "Mailboxes"}));
 
   // In mbox mode the mailboxes switch is passed as 0 whatever it is.
-  run->sourceList = {QStringLiteral("/x.mbox")};
-  run->mboxMode = true;
+  preparation->useMboxFiles({QStringLiteral("/x.mbox")});
   runToEnd(mailboxes);
   EXPECT_EQ(recordedArguments().at(7), "0");
+}
+
+// While the tool pauses after a message (a large mail file, another mailbox to find), the
+// message is committed once the interval's time is over; the tool sees it from outside.
+TEST_F(StoreRunChecksTest, AMessageStoredBeforeAPauseOfTheToolIsCommittedDuringIt) {
+  const QString tool = dir.filePath(QStringLiteral("pausing.sh"));
+  ASSERT_TRUE(test::writeFile(tool, R"(#!/bin/bash
+base="${1%.log}"
+printf 'FROM:Ann\nSUBJECT:Before the pause\nBODY:b\nENDOFBODY:\nENDOFEMAIL:\n' > "$base.tmp"
+printf 'RAW:\nsource\nENDOFRAW:\n' > "$base.raw"
+printf '/mail/one\nBefore the pause'
+IFS= read -r -n 9 answer || exit 0
+sleep 1
+sqlite3 "$base" 'SELECT count(*) FROM email' > "$base.seen"
+)",
+                              true));
+  makeRun(tool, {1000, 500});
+  storeMbox({QStringLiteral("/in.mbox")});
+  EXPECT_EQ(test::readFile(dbPath() + QStringLiteral(".seen")), "1\n");
 }
 
 TEST(StoreSummaryTest, TheRunLogGivesTheLastParsedCountAndSixInvalidFilesByName) {

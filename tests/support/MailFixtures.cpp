@@ -1,4 +1,4 @@
-#include "MailFixtures.h"
+#include "support/MailFixtures.h"
 
 #include <QDateTime>
 #include <QFile>

@@ -36,7 +36,7 @@ class NoProgress : public platform::Progress {
 struct Run {
   Run() {
     archive.openDB(QStringLiteral(":memory:"));
-    store.setPaths(ingest::StorePaths::forArchive(QStringLiteral("/nonexistent/fuzz")));
+    store.beginRun(ingest::StorePaths::forArchive(QStringLiteral("/nonexistent/fuzz")));
     store.setOrigState(true);
   }
   NoDialogs dialogs;
@@ -46,9 +46,8 @@ struct Run {
   ingest::CurrentMessage message;
   ingest::StoreRunCounters counters;
   ingest::StoreLog storeLog;
-  int listCount = 0;
   ingest::EmailStore store{archive, message, counters, storeLog, dialogs, progress};
-  ingest::RecordReader reader{store, archive, message, counters, storeLog, progress, listCount};
+  ingest::RecordReader reader{store, message, counters, nullptr};
 };
 
 }  // namespace
