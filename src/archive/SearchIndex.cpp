@@ -12,6 +12,7 @@
 #include "archive/Archive.h"
 #include "archive/ArchiveFingerprint.h"
 #include "archive/CandidateTable.h"
+#include "archive/IndexFeeder.h"
 #include "archive/PreparedStatement.h"
 #include "platform/Progress.h"
 
@@ -98,13 +99,7 @@ void SearchIndex::attach() {
     fail();
     return;
   }
-  readMessage_ = std::make_unique<PreparedStatement>(
-      connection,
-      QStringLiteral("SELECT body_fld,subj_fld,from_fld,to_fld FROM main.email WHERE id=?1"));
-  if (!readMessage_->ok()) {
-    fail();
-    return;
-  }
+  feeder_ = std::make_unique<IndexFeeder>(connection, file_);
   sqlite3_update_hook(connection, updateHook, this);
 }
 
@@ -160,7 +155,7 @@ void SearchIndex::off() {
     sqlite3_update_hook(archive_.archiveConnection, nullptr, nullptr);
     archive_.exec(QStringLiteral("DROP TRIGGER IF EXISTS temp.quillery_index_changed"));
   }
-  readMessage_.reset();
+  feeder_.reset();
   // What was added since the last commit belongs to a session that did not record it.
   if (file_.inTransaction())
     file_.rollback();
@@ -271,30 +266,11 @@ std::optional<std::size_t> SearchIndex::prepareCandidates(const QString& query) 
 }
 
 bool SearchIndex::addNoted(std::size_t most) {
-  if (noted_.empty())
-    return true;
-  std::sort(noted_.begin(), noted_.end());
-  noted_.erase(std::unique(noted_.begin(), noted_.end()), noted_.end());
-  if (!file_.inTransaction() && !file_.begin())
+  const std::size_t before = noted_.size();
+  if (!feeder_->addMessages(noted_, most))
     return false;
-  const std::size_t count = std::min(most, noted_.size());
-  for (std::size_t i = 0; i < count; ++i) {
-    readMessage_->reset();
-    readMessage_->bind(1, noted_[i]);
-    // A message gone again (deleted, or its insert rolled back) has nothing to add.
-    if (readMessage_->step()) {
-      const QByteArrayView texts[] = {readMessage_->view(0), readMessage_->view(1),
-                                      readMessage_->view(2), readMessage_->view(3)};
-      if (!file_.add(noted_[i], texts))
-        return false;
-    } else if (readMessage_->error() != SQLITE_OK) {
-      return false;
-    }
-  }
-  readMessage_->reset();
-  noted_.erase(noted_.begin(), noted_.begin() + qsizetype(count));
-  addedSinceCommit_ += int(count);
-  pendingChanged_ = true;
+  addedSinceCommit_ += int(before - noted_.size());
+  pendingChanged_ = pendingChanged_ || before != noted_.size();
   return true;
 }
 
@@ -387,22 +363,10 @@ bool SearchIndex::build(platform::Progress& progress, const std::function<bool()
 
 bool SearchIndex::indexBatch(long long& indexed, bool& done) {
   archive_.exec(QStringLiteral("BEGIN"));
-  bool ok = dataVersion() == syncedDataVersion_ && (file_.inTransaction() || file_.begin());
-  PreparedStatement rows(archive_.archiveConnection,
-                         QStringLiteral("SELECT id,body_fld,subj_fld,from_fld,to_fld FROM "
-                                        "main.email WHERE id>?1 ORDER BY id LIMIT %1")
-                             .arg(kBatch));
-  rows.bind(1, builtUpTo_);
   long long upTo = builtUpTo_;
   int count = 0;
-  while (ok && rows.step()) {
-    upTo = rows.integer(0);
-    const QByteArrayView texts[] = {rows.view(1), rows.view(2), rows.view(3), rows.view(4)};
-    ok = file_.add(upTo, texts);
-    ++count;
-  }
-  ok = ok && rows.error() == SQLITE_OK;
-  rows.reset();
+  bool ok =
+      dataVersion() == syncedDataVersion_ && feeder_->addAfter(builtUpTo_, kBatch, upTo, count);
   done = ok && count == 0;
   IndexFile::State next = stored_;
   next.state = done ? "current" : "building";

@@ -17,7 +17,7 @@ class Progress;
 namespace quillery::archive {
 
 class Archive;
-class PreparedStatement;
+class IndexFeeder;
 
 // The substring index that lets a search skip the messages that cannot match. It lives in a
 // side file beside the archive (the archive's path followed by ".index", see IndexFile) on a
@@ -133,7 +133,7 @@ class SearchIndex : public QObject {
   long long droppedSinceAttach_ = 0;
   std::vector<long long> noted_;
   std::vector<long long> candidates_;
-  std::unique_ptr<PreparedStatement> readMessage_;
+  std::unique_ptr<IndexFeeder> feeder_;
   int addedSinceCommit_ = 0;
   // Whether the messages still to be added differ from those the side file keeps.
   bool pendingChanged_ = false;
