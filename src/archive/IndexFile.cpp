@@ -179,6 +179,11 @@ bool IndexFile::writePending(const std::vector<long long>& ids) {
   return insert.ok();
 }
 
+long long IndexFile::dataVersion() {
+  PreparedStatement version(connection_, QStringLiteral("PRAGMA data_version"));
+  return version.step() ? version.integer(0) : -1;
+}
+
 bool IndexFile::begin() {
   return run(QStringLiteral("BEGIN"));
 }

@@ -59,6 +59,11 @@ class IndexFile {
   std::optional<State> readState();
   bool writeState(const State& state);
 
+  // SQLite's count of the commits that other connections (another Quillery) have made to the
+  // side file (PRAGMA data_version); it stays as it is for this connection's own commits. -1
+  // when it cannot be read.
+  long long dataVersion();
+
   bool begin();
   bool commit();
   void rollback();

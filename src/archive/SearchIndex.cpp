@@ -115,8 +115,9 @@ bool SearchIndex::readState() {
   const ArchiveFingerprint now = ArchiveFingerprint::read(archive_.archiveConnection);
   syncedDataVersion_ = dataVersion();
   archive_.exec(QStringLiteral("COMMIT"));
+  syncedFileVersion_ = file_.dataVersion();
   const std::optional<IndexFile::State> stored = file_.readState();
-  if (!now.valid || !stored || syncedDataVersion_ < 0)
+  if (!now.valid || !stored || syncedDataVersion_ < 0 || syncedFileVersion_ < 0)
     return false;
   stored_ = *stored;
   span_ = now.hasMessages ? now.highestId - now.lowestId + 1 : 0;
@@ -162,6 +163,7 @@ void SearchIndex::off() {
   state_ = State::Off;
   builtUpTo_ = 0;
   syncedDataVersion_ = -1;
+  syncedFileVersion_ = -1;
   stored_ = IndexFile::State();
   span_ = 0;
   droppedSinceAttach_ = 0;
@@ -185,7 +187,8 @@ void SearchIndex::detach() {
     const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
     archive_.exec(QStringLiteral("COMMIT"));
     // The messages still to be added are kept with the fingerprint: together with the
-    // grams they describe the archive.
+    // grams they describe the archive. A side file that another Quillery has written
+    // meanwhile is left as that one left it.
     if (version == syncedDataVersion_ && now.valid &&
         (!(now == stored_.fingerprint) || droppedSinceAttach_ != 0 || file_.inTransaction() ||
          pendingChanged_)) {
@@ -195,7 +198,7 @@ void SearchIndex::detach() {
       std::sort(noted_.begin(), noted_.end());
       noted_.erase(std::unique(noted_.begin(), noted_.end()), noted_.end());
       if ((file_.inTransaction() || file_.begin()) && file_.writePending(noted_) &&
-          file_.writeState(next))
+          file_.writeState(next) && fileInStep())
         file_.commit();
     }
   }
@@ -232,11 +235,16 @@ long long SearchIndex::dataVersion() {
   return version.step() ? version.integer(0) : -1;
 }
 
+bool SearchIndex::fileInStep() {
+  return syncedFileVersion_ >= 0 && file_.dataVersion() == syncedFileVersion_;
+}
+
 bool SearchIndex::usable() {
   if (state_ != State::Current && state_ != State::Building)
     return false;
-  if (dataVersion() != syncedDataVersion_) {
-    // Another program has written to the archive: what it changed is not in the index.
+  // Another program has written to the archive (what it changed is not in the index), or
+  // another Quillery to the side file (which may no longer hold what this one knows of).
+  if (dataVersion() != syncedDataVersion_ || !fileInStep()) {
     state_ = State::Stale;
     return false;
   }
@@ -259,6 +267,11 @@ std::optional<std::size_t> SearchIndex::prepareCandidates(const QString& query) 
   std::optional<std::vector<long long>> ids = file_.ids(query);
   if (!ids) {
     fail();
+    return std::nullopt;
+  }
+  // Another Quillery may have emptied the side file since usable() looked.
+  if (!fileInStep()) {
+    state_ = State::Stale;
     return std::nullopt;
   }
   candidates_ = std::move(*ids);
@@ -309,7 +322,11 @@ bool SearchIndex::startBuilding() {
   next.fingerprint = now;
   noted_.clear();
   if (!now.valid || syncedDataVersion_ < 0 || !(file_.inTransaction() || file_.begin()) ||
-      !file_.empty() || !file_.writeState(next) || !file_.commit())
+      !file_.empty() || !file_.writeState(next))
+    return false;
+  // Emptied under this connection's lock: what others wrote before is gone.
+  syncedFileVersion_ = file_.dataVersion();
+  if (syncedFileVersion_ < 0 || !file_.commit())
     return false;
   stored_ = next;
   state_ = State::Building;
@@ -374,7 +391,7 @@ bool SearchIndex::indexBatch(long long& indexed, bool& done) {
   if (ok)
     next.fingerprint = ArchiveFingerprint::read(archive_.archiveConnection);
   archive_.exec(QStringLiteral("COMMIT"));
-  ok = ok && next.fingerprint.valid && file_.writeState(next) && file_.commit();
+  ok = ok && next.fingerprint.valid && file_.writeState(next) && fileInStep() && file_.commit();
   if (!ok) {
     file_.rollback();
     return false;

@@ -37,8 +37,9 @@ class IndexFeeder;
 // connection closes are kept in the side file and taken up at the next open; until their
 // grams are added, a search does not use the index. What the index (with those ids)
 // describes is recorded as the archive's fingerprint (ArchiveFingerprint) when the connection
-// closes, if no other connection has committed to the archive since it opened (SQLite's data
-// version).
+// closes, if no other connection has committed to the archive or to the side file since it
+// opened (SQLite's data version): another Quillery on the same archive may have emptied the side
+// file to build it anew.
 // When the archive opens with another fingerprint, something that does not keep the index has
 // changed it (another program, a restore, a crash before the fingerprint was written): the
 // index is stale and is not used until it has been built anew.
@@ -69,8 +70,8 @@ class SearchIndex : public QObject {
   void attach();
   // Before the connection closes: a transaction left open is rolled back (as closing would),
   // the noted messages are added, and when no other connection has committed to the archive
-  // since it was attached, the archive's fingerprint is written, so that the next open finds
-  // the index current.
+  // or the side file since it was attached, the archive's fingerprint is written, so that the next
+  // open finds the index current.
   void detach();
   // The archive at this path is about to be replaced by another file (a restore): the side
   // file is removed, and this connection stops keeping it.
@@ -80,8 +81,9 @@ class SearchIndex : public QObject {
   long long builtUpTo() const { return builtUpTo_; }
 
   // Whether a search may use the index now: it is current or being built, no message noted
-  // is still to be added, and no other connection has committed to the archive since it was
-  // last known to be in step. Called inside the transaction in which the search then runs.
+  // is still to be added, and no other connection has committed to the archive or the side
+  // file since they were last known to be in step. Called inside the transaction in which the
+  // search then runs.
   bool usable();
   // Whether build() has work to do: the index is stale or not yet complete, messages noted
   // are still to be added, or it holds so many grams of deleted and changed messages that
@@ -97,7 +99,8 @@ class SearchIndex : public QObject {
 
   // Runs a candidate query over the side file's FTS5 tables (IndexFile::tableOf) and offers
   // its ids to the archive's connection as the table CandidateTable::kName. Answers their
-  // number, or nothing when the query fails (the index is then off).
+  // number, or nothing when the query fails (the index is then off) or another Quillery has
+  // written the side file meanwhile (the index is then stale).
   std::optional<std::size_t> prepareCandidates(const QString& query);
   // The span of message ids when the archive was attached (highest - lowest + 1).
   long long messageSpan() const { return span_; }
@@ -110,6 +113,9 @@ class SearchIndex : public QObject {
   bool readState();
   bool keepsMessage(long long id) const;
   long long dataVersion();
+  // Whether no other connection has written the side file since this one last read or wrote
+  // what it holds: another Quillery may have emptied it to build it anew.
+  bool fileInStep();
   // Adds up to `most` noted messages to the side file in its open transaction.
   bool addNoted(std::size_t most);
   // Indexes the next messages after builtUpTo_; done when there was none.
@@ -128,6 +134,7 @@ class SearchIndex : public QObject {
   State state_ = State::Off;
   long long builtUpTo_ = 0;
   long long syncedDataVersion_ = -1;
+  long long syncedFileVersion_ = -1;
   IndexFile::State stored_;
   long long span_ = 0;
   long long droppedSinceAttach_ = 0;

@@ -170,6 +170,34 @@ TEST_F(IndexChangesTest, AnotherProgramsChangeWhileTheArchiveIsOpenIsNotMissed) 
   EXPECT_EQ(find("kitchen").size(), 3);
 }
 
+TEST_F(IndexChangesTest, AnIndexThatAnotherQuilleryEmptiedIsNotTakenForCurrent) {
+  storeInto(dbPath, {mbox("mail.mbox")});
+  const QList<int> kitchen = find("kitchen");
+  // A change on this connection leaves the side file behind the archive until it closes, so
+  // another Quillery (quillery-cli) finds the index stale; it is stopped early in its build.
+  const auto change = [&] {
+    ASSERT_TRUE(archive.exec(QStringLiteral("UPDATE email SET numAttach=1-numAttach")).ok());
+  };
+  const auto anotherBuilds = [&] {
+    archive::Archive other(dialogs, files);
+    other.openDB(dbPath);
+    other.searchIndex().build(progress, [] { return true; });
+  };
+  change();
+  anotherBuilds();
+  EXPECT_EQ(find("kitchen"), kitchen);
+  archive.close();
+  EXPECT_EQ(find("kitchen"), kitchen);
+  // Between the check that the index is usable and the reading of its candidates.
+  change();
+  archive.exec(QStringLiteral("BEGIN"));
+  ASSERT_TRUE(archive.searchIndex().usable());
+  anotherBuilds();
+  EXPECT_FALSE(archive.searchIndex().prepareCandidates(
+      QStringLiteral("SELECT rowid FROM quillery_body_fld WHERE quillery_body_fld MATCH 'kit'")));
+  archive.exec(QStringLiteral("COMMIT"));
+}
+
 TEST_F(IndexChangesTest, TheArchiveKeepsItsFourTablesAndABrokenSideFileIsMadeAgain) {
   storeInto(dbPath, {mbox("mail.mbox")});
   find("kitchen");
