@@ -2,24 +2,11 @@
 
 #include <cmath>
 
+#include "Vocabulary.h"
+
 namespace quillery::bench {
 namespace {
 
-constexpr const char* kWords[] = {
-    "the",      "meeting", "report",   "budget",  "please",  "review",   "attached", "draft",
-    "schedule", "project", "thanks",   "regards", "update",  "question", "answer",   "team",
-    "customer", "invoice", "delivery", "monday",  "friday",  "weekend",  "holiday",  "travel",
-    "hotel",    "flight",  "summary",  "numbers", "quarter", "release",  "version",  "server",
-    "database", "backup",  "archive",  "message", "letter",  "garden",   "kitchen",  "family",
-    "birthday", "dinner",  "concert",  "ticket",  "museum",  "library",  "science",  "history",
-    "café",     "naïve",   "Grüße",    "déjà",    "señor",   "Zürich",   "Ångström", "smörgås",
-    "and",      "of",      "to",       "in",      "for",     "with",     "on",       "at"};
-constexpr std::size_t kWordCount = sizeof kWords / sizeof kWords[0];
-constexpr const char* kFirst[] = {"Anna",  "Bernd", "Chloé",  "David", "Eva",   "Frank",
-                                  "Gül",   "Hiro",  "Ingrid", "José",  "Karin", "Lars",
-                                  "Marta", "Nils",  "Olga",   "Pierre"};
-constexpr const char* kLast[] = {"Müller", "Smith",  "Dubois",   "Rossi",   "Tanaka",  "Novák",
-                                 "García", "Jensen", "Kowalski", "O'Brien", "Schmidt", "Lee"};
 constexpr const char* kDomains[] = {"example.com", "example.org", "mail.example.net",
                                     "corp.example"};
 constexpr const char* kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -139,12 +126,14 @@ std::size_t CorpusGenerator::logUniform(std::size_t low, std::size_t high) {
 }
 
 std::string CorpusGenerator::word() {
-  return kWords[below(kWordCount)];
+  const Vocabulary& words = Vocabulary::words();
+  return words.at(words.draw(random()));
 }
 
 std::string CorpusGenerator::person(std::string& address) {
-  const std::string first = kFirst[below(sizeof kFirst / sizeof kFirst[0])];
-  const std::string last = kLast[below(sizeof kLast / sizeof kLast[0])];
+  const Vocabulary& words = Vocabulary::words();
+  const std::string first = words.firstName(random());
+  const std::string last = words.familyName(random());
   address = first + "." + std::to_string(below(100)) + "@" +
             kDomains[below(sizeof kDomains / sizeof kDomains[0])];
   for (char& c : address) {

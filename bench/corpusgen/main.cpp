@@ -2,6 +2,7 @@
 // every machine.
 //
 //   corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT] [--maildir FOLDER]
+//   corpusgen --word-at RANK
 //
 // The store benchmark (bench/store/store-bench.sh) and the domail benchmark take the
 // 20,000-message mbox, about 400 MB:
@@ -9,7 +10,10 @@
 //   corpusgen --count 20000 --seed 1 --mbox bench/out/corpus-20k.mbox
 //
 // and the memory figure of bench/domail uses a 1 GB one (--count 50000); the domail benchmark
-// also reads the same 20,000 messages as a Maildir (--maildir). Generated corpora
+// also reads the same 20,000 messages as a Maildir (--maildir). The text is drawn from a fixed
+// vocabulary ranked by frequency; --word-at prints the word of a rank (1 the most frequent, about
+// 200,000 the rarest), the same for every seed, so that a benchmark can search for a rare, a
+// medium or a common word. Generated corpora
 // stay out of git (bench/out/ is ignored). Exit status 0, or 1 when an output cannot be
 // written, 2 for a malformed command line.
 #include <cstdio>
@@ -20,11 +24,13 @@
 #include "CorpusGenerator.h"
 #include "CorpusWriter.h"
 #include "MaildirWriter.h"
+#include "Vocabulary.h"
 
 namespace {
 
 const char* const kHelp =
     "usage: corpusgen --count N [--seed S] [--mbox FILE] [--emlx MAILROOT] [--maildir FOLDER]\n"
+    "       corpusgen --word-at RANK\n"
     "\n"
     "Writes N generated messages (bodies of 0.5 to 20 KB, a quarter with an HTML\n"
     "alternative, about 15 % with a 10 to 200 KB attachment, some encoded headers) as one\n"
@@ -34,7 +40,11 @@ const char* const kHelp =
     "with the Maildir++ subfolders .Sent and .Archive). The same seed (default 1) gives the\n"
     "same corpus on every machine. 20,000 messages come to about 400 MB:\n"
     "\n"
-    "  corpusgen --count 20000 --seed 1 --mbox bench/out/corpus-20k.mbox\n";
+    "  corpusgen --count 20000 --seed 1 --mbox bench/out/corpus-20k.mbox\n"
+    "\n"
+    "The text comes from a fixed vocabulary of about 200,000 words whose frequency falls\n"
+    "with its rank (names, numbers and accented, Greek and Cyrillic words among them);\n"
+    "--word-at RANK prints the word of that rank (1 is the most frequent).\n";
 
 bool number(const char* text, unsigned long long& out) {
   char* end = nullptr;
@@ -73,6 +83,13 @@ int main(int argc, char** argv) {
       emlx = value;
     } else if (option == "--maildir") {
       maildir = value;
+    } else if (option == "--word-at") {
+      unsigned long long rank = 0;
+      ok = number(value, rank) && rank > 0;
+      if (ok) {
+        std::printf("%s\n", quillery::bench::Vocabulary::words().at(rank).c_str());
+        return 0;
+      }
     } else {
       ok = false;
     }

@@ -1,5 +1,6 @@
 #include "app/ProgressPanel.h"
 
+#include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -19,6 +20,7 @@ ProgressPanel::ProgressPanel(StorePanel& runControls, QWidget* parent)
       indicator(new BusyIndicator(this)),
       titleTextField(new QLabel(this)),
       countTextField(new QLabel(this)),
+      stopButton(new QPushButton(QStringLiteral("Stop"), this)),
       runControls_(runControls) {
   setObjectName(QStringLiteral("ProgressPanel"));
   setModal(false);
@@ -30,6 +32,12 @@ ProgressPanel::ProgressPanel(StorePanel& runControls, QWidget* parent)
   auto* countRow = new QHBoxLayout;
   countRow->addWidget(indicator, 1);
   countRow->addWidget(countTextField);
+  countRow->addWidget(stopButton);
+  stopButton->hide();
+  connect(stopButton, &QPushButton::clicked, this, [this] {
+    if (stop_)
+      stop_();
+  });
   auto* layout = new QVBoxLayout(this);
   layout->addWidget(titleTextField);
   layout->addLayout(countRow);
@@ -38,6 +46,12 @@ ProgressPanel::ProgressPanel(StorePanel& runControls, QWidget* parent)
 
 void ProgressPanel::open(const QString& title) {
   setTitle(title);
+  // Modality is set while the panel is hidden.
+  const bool modal = bool(stop_);
+  if (isVisible() && modal != (windowModality() == Qt::ApplicationModal))
+    hide();
+  setWindowModality(modal ? Qt::ApplicationModal : Qt::NonModal);
+  stopButton->setVisible(modal);
   show();
   raise();
   activateWindow();
@@ -73,6 +87,24 @@ void ProgressPanel::setRunControlsVisible(bool visible, RunControls which) {
 
 void ProgressPanel::close() {
   hide();
+  offerStop({});
+}
+
+void ProgressPanel::offerStop(std::function<void()> stop) {
+  stop_ = std::move(stop);
+  if (!stop_) {
+    stopButton->hide();
+    if (!isVisible())
+      setWindowModality(Qt::NonModal);
+  }
+}
+
+void ProgressPanel::keepResponsive() {
+  // The store run's pipes are left for later: their handlers must not run inside other work.
+  const QEventLoop::ProcessEventsFlags kept =
+      QEventLoop::ExcludeSocketNotifiers |
+      (stop_ && isVisible() ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
+  QCoreApplication::processEvents(kept);
 }
 
 void ProgressPanel::hideEvent(QHideEvent* event) {

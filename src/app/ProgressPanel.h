@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QElapsedTimer>
+#include <functional>
 
 #include "platform/Progress.h"
 
@@ -36,11 +37,17 @@ class ProgressPanel : public QDialog, public platform::Progress {
   void showItem(const QString& text) override;
   void setRunControlsVisible(bool visible, RunControls which) override;
   void close() override;
+  // While a stop is offered the panel is application-modal, so that keepResponsive lets
+  // through only the panel's own input: no other action can start while the work runs.
+  void offerStop(std::function<void()> stop) override;
+  void keepResponsive() override;
 
   BusyIndicator* indicator;
   QLabel* titleTextField;
   // The panel's own copy of the count, shown whatever the run controls show.
   QLabel* countTextField;
+  // Shown while the work under way may be stopped.
+  QPushButton* stopButton;
 
  protected:
   // However the panel goes away (close(), Escape, the window's close box), the indicator stops.
@@ -50,6 +57,7 @@ class ProgressPanel : public QDialog, public platform::Progress {
   void repaintNow();
 
   StorePanel& runControls_;
+  std::function<void()> stop_;
 
   QElapsedTimer lastRepaint_;
 };

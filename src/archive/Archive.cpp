@@ -45,6 +45,7 @@ Archive::~Archive() {
 void Archive::close() {
   if (archiveConnection == nullptr)
     return;
+  searchIndex_.detach();
   sqlite3_close(archiveConnection);
   archiveConnection = nullptr;
 }
@@ -54,7 +55,9 @@ ExecResult Archive::exec(const QString& sql, int (*callback)(void*, int, char**,
   ExecResult result;
   char* error = nullptr;
   const QByteArray utf8 = sql.toUtf8();
+  ++executing_;
   result.code = sqlite3_exec(archiveConnection, utf8.constData(), callback, context, &error);
+  --executing_;
   if (error != nullptr) {
     result.error = QString::fromUtf8(error);
     sqlite3_free(error);
@@ -94,7 +97,10 @@ OpenStatus Archive::openArchive(const QString& dbPath) {
     return status;
   if (!hasCurrentFormat())
     return {OpenStatus::Outcome::OldFormat, 0, {}};
-  return createMissingTables();
+  status = createMissingTables();
+  if (status.ok())
+    searchIndex_.attach();
+  return status;
 }
 
 OpenStatus Archive::openFile(const QString& dbPath) {

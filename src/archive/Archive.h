@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "archive/Records.h"
+#include "archive/SearchIndex.h"
 
 struct sqlite3;
 
@@ -65,9 +66,9 @@ class Archive : public IdListState {
 
   // Closes whatever connection is open, opens the archive file at dbPath (creating it when
   // missing), stamps it with the application's creator and type, checks its format and
-  // creates the tables it lacks. On failure it shows the alert the user needs and raises
-  // openFailed, which it never clears; nothing is written except tables created before the
-  // failing step.
+  // creates the tables it lacks, then attaches its search index. On failure it shows the
+  // alert the user needs and raises openFailed, which it never clears; nothing is written
+  // except tables created before the failing step.
   void openDB(const QString& dbPath);
   // The same steps as openDB without alerts and without touching openFailed: the caller
   // decides what to tell the user (reportOpenFailure gives openDB's alerts). On failure the
@@ -85,7 +86,8 @@ class Archive : public IdListState {
   OpenStatus createMissingTables();
   // Shows the alert of a failed open, the text naming path where the text has one.
   void reportOpenFailure(const OpenStatus& status, const QString& path);
-  // Closes the connection and empties the slot; does nothing when no connection is open.
+  // Closes the connection and empties the slot; does nothing when no connection is open. The
+  // search index records first what it needs to find itself current at the next open.
   void close();
   bool isOpen() const { return archiveConnection != nullptr; }
   // The absolute path of the file open on the connection; empty when none is open (or the
@@ -102,6 +104,8 @@ class Archive : public IdListState {
   }
   // The id of the row inserted last on this connection.
   long long lastInsertRowId() const;
+  // Whether a statement is running (its row callback may have let events be handled).
+  bool executing() const { return executing_ > 0; }
 
   // Runs "DELETE FROM <table> WHERE id=<id>" for each table in the order given. Each failure
   // is handed to onFailure, which answers whether to go on with the next table; returns true
@@ -116,6 +120,9 @@ class Archive : public IdListState {
   // date, attachments by id), where they are missing. Failures leave a slower archive and
   // are ignored. createMissingTables ends with this; a rebuild of a table calls it again.
   void ensureIndexes();
+
+  // The substring index beside the archive open on the connection.
+  SearchIndex& searchIndex() { return searchIndex_; }
 
   sqlite3* archiveConnection = nullptr;
   bool openFailed = false;
@@ -134,6 +141,8 @@ class Archive : public IdListState {
 
   platform::Dialogs& dialogs_;
   platform::Files& files_;
+  int executing_ = 0;
+  SearchIndex searchIndex_{*this};
 };
 
 }  // namespace quillery::archive

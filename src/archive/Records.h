@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "archive/IdList.h"
+
 namespace quillery::archive {
 
 // The fields of one email row, as emailRecordCallback fills them and the storing step reads
@@ -33,7 +35,7 @@ struct TagRecord {
 
 // The ids idListCallback collects. Callers empty the list and zero the count first.
 struct IdListState {
-  QStringList idList;
+  IdList idList;
   int idCount = 0;
 };
 

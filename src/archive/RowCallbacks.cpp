@@ -29,7 +29,7 @@ int columnListCallback(void* context, int columns, char** values, char** /*names
 int idListCallback(void* context, int /*columns*/, char** values, char** /*names*/) {
   auto* state = static_cast<IdListState*>(context);
   // "%s" of a null string prints "(null)"; callers select only non-NULL ids.
-  state->idList.append(values[0] ? text(values, 0) : QStringLiteral("(null)"));
+  state->idList.append(values[0] ? values[0] : "(null)");
   ++state->idCount;
   return 0;
 }

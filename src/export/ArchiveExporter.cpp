@@ -73,8 +73,10 @@ ExportOutcome ArchiveExporter::writeArchive(const QString& path, bool origState)
 
 bool ArchiveExporter::createFile(ExportSession& session, const QString& path) {
   QFile::remove(path);
-  // A journal left beside an earlier file of that name would be played into the new one.
+  // A journal left beside an earlier file of that name would be played into the new one, and
+  // its search index could pass for the new file's: a fresh file's fingerprint is much alike.
   QFile::remove(path + QStringLiteral("-journal"));
+  ports_.archive.searchIndex().forget(path);
   sqlite3* db = nullptr;
   if (sqlite3_open(path.toUtf8().constData(), &db) != SQLITE_OK) {
     const QString error = QString::fromUtf8(db ? sqlite3_errmsg(db) : "out of memory");

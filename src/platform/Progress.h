@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 
 namespace quillery::platform {
 
@@ -25,6 +26,15 @@ class Progress {
   virtual void setRunControlsVisible(bool visible, RunControls which) = 0;
   // Closes the panel; callers close it when their work ends, also on error paths.
   virtual void close() = 0;
+
+  // Offers the user a way to stop the work that opens the panel next: a Stop button that calls
+  // stop, which works while the work calls keepResponsive(). An empty function withdraws the
+  // offer, and so does close(). A port without such a button ignores the offer.
+  virtual void offerStop(std::function<void()> stop) { (void)stop; }
+  // Lets waiting events through while long work runs on the main thread: repaints, and the
+  // Stop button offered (no other input reaches the windows meanwhile). Does nothing in a port
+  // that has no events.
+  virtual void keepResponsive() {}
 
   // Redraws the count only when it is an exact multiple of step, so a long loop repaints
   // every step-th item. The step must not be 0.

@@ -11,7 +11,7 @@ using RunControls = platform::Progress::RunControls;
 
 EmailSearch::EmailSearch(archive::Archive& archive, SearchQueryBuilder& builder, ResultList& list,
                          platform::Progress& progress)
-    : archive_(archive), builder_(builder), list_(list), progress_(progress) {}
+    : archive_(archive), builder_(builder), list_(list), progress_(progress), indexed_(archive) {}
 
 bool EmailSearch::busy() const {
   return archive_.idCount != 0 || archive_.storeRunUnderWay;
@@ -29,9 +29,16 @@ bool EmailSearch::retrieveEmails(const SearchForm& form, const QString& dbPath) 
     archive_.openFailed = false;
     return false;
   }
+  archive::SearchIndex& index = archive_.searchIndex();
+  if (index.needsBuilding()) {
+    indexingCancelled_ = false;
+    progress_.offerStop([this] { cancelIndexing(); });
+    index.build(progress_, [this] { return indexingCancelled_; });
+    progress_.offerStop({});
+  }
   archive_.sqlText = builder_.statement();
   list_.onlyAttachCheck = form.onlyAttachCheck;
-  list_.retrieve(dbPath);
+  list_.retrieve(dbPath, &indexed_);
   return true;
 }
 

@@ -1,16 +1,21 @@
 #include "search/ResultList.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
+#include <sqlite3.h>
+
 #include "archive/Archive.h"
+#include "archive/PreparedStatement.h"
 #include "archive/RowCallbacks.h"
 #include "platform/Dialogs.h"
 #include "platform/Progress.h"
+#include "search/IndexedSearch.h"
 #include "search/SqlErrorReport.h"
 
 namespace quillery::search {
@@ -68,15 +73,13 @@ ResultList::ResultList(archive::Archive& archive, platform::Dialogs& dialogs,
                        platform::Progress& progress, QObject* parent)
     : QObject(parent), archive_(archive), dialogs_(dialogs), progress_(progress) {}
 
-void ResultList::retrieve(const QString& dbPath) {
+void ResultList::retrieve(const QString& dbPath, IndexedSearch* indexed) {
   listedArchivePath_ = dbPath;
   Q_EMIT listWindowClosed();
   Q_EMIT sqlPanelClosed();
   // The table stays reset until the new rows are in: no view reads them half made.
   Q_EMIT listAboutToReset();
   emptyRows();
-  lastTo_ = {};
-  lastMailbox_ = {};
   Q_EMIT countsChanged(dbCountText_, listCountText_);
   Q_EMIT messageViewCleared();
   Q_EMIT listWindowTitleChanged(QStringLiteral("retrieving email from database..."));
@@ -85,7 +88,8 @@ void ResultList::retrieve(const QString& dbPath) {
   onlyAttachments = onlyAttachCheck ? 1 : 0;
 
   reportOnStderr(archive_.exec(QStringLiteral("BEGIN TRANSACTION")));
-  const archive::ExecResult result = archive_.execSqlText(&ResultList::listRowCallback, this);
+  const archive::ExecResult result = runListStatement(indexed);
+  taggedIds_ = {};
   if (!result.ok()) {
     // Rows read before the statement failed are not shown either.
     archive_.idList.clear();
@@ -106,6 +110,57 @@ void ResultList::retrieve(const QString& dbPath) {
   Q_EMIT listWindowTitleChanged(QStringLiteral("done retrieving email from ") + dbPath);
 }
 
+archive::ExecResult ResultList::runListStatement(IndexedSearch* indexed) {
+  const QString& statement = archive_.sqlText;
+  const QString run = indexed ? indexed->statementFor(statement) : statement;
+  readTaggedIds(run);
+  archive::ExecResult result = archive_.exec(run, &ResultList::listRowCallback, this);
+  if (result.ok() || run == statement)
+    return result;
+  // The index failed: what it listed goes, and the statement runs as it stands.
+  archive_.idList.clear();
+  emailRows.clear();
+  listCount = 0;
+  readTaggedIds(statement);
+  return archive_.exec(statement, &ResultList::listRowCallback, this);
+}
+
+void ResultList::readTaggedIds(const QString& statement) {
+  taggedIds_.clear();
+  taggedIdsRead_ = false;
+  // Only a statement that runs alone is sure not to change the tags while its rows come.
+  sqlite3* connection = archive_.archiveConnection;
+  const QByteArray utf8 = statement.toUtf8();
+  sqlite3_stmt* compiled = nullptr;
+  const char* rest = nullptr;
+  const int code =
+      sqlite3_prepare_v2(connection, utf8.constData(), int(utf8.size()) + 1, &compiled, &rest);
+  sqlite3_finalize(compiled);
+  if (code != SQLITE_OK || compiled == nullptr || rest == nullptr)
+    return;
+  for (; *rest != '\0'; ++rest) {
+    if (!std::isspace(static_cast<unsigned char>(*rest)))
+      return;
+  }
+  archive::PreparedStatement ids(connection, QStringLiteral("SELECT id FROM tags ORDER BY id"));
+  while (ids.step())
+    taggedIds_.push_back(ids.integer(0));
+  taggedIdsRead_ = ids.ok() && ids.error() == SQLITE_OK;
+  if (!taggedIdsRead_)
+    taggedIds_.clear();
+}
+
+bool ResultList::tagged(int id, bool& failed) {
+  failed = false;
+  if (taggedIdsRead_)
+    return std::binary_search(taggedIds_.begin(), taggedIds_.end(), static_cast<long long>(id));
+  const archive::ExecResult tags =
+      archive_.exec(QStringLiteral("SELECT count(id) FROM tags WHERE tags.id=%1").arg(id),
+                    archive::singleValueCallback, &archive_);
+  failed = !reportOnStderr(tags);
+  return !failed && archive_.sqlResult.toInt() != 0;
+}
+
 int ResultList::listRowCallback(void* context, int columns, char** values, char** /*names*/) {
   auto* list = static_cast<ResultList*>(context);
   archive::Archive& archive = list->archive_;
@@ -118,34 +173,17 @@ int ResultList::listRowCallback(void* context, int columns, char** values, char*
   if (list->onlyAttachments != 0 && numAttach == 0)
     return 0;
 
-  const archive::ExecResult tags =
-      archive.exec(QStringLiteral("SELECT count(id) FROM tags WHERE tags.id=%1").arg(id),
-                   archive::singleValueCallback, &archive);
-  if (!tags.ok()) {
-    reportOnStderr(tags);
+  bool failed = false;
+  const bool isTagged = list->tagged(id, failed);
+  if (failed)
     return 0;
-  }
-  QString date = QString::fromUtf8(column(1));
-  if (archive.sqlResult.toInt() != 0)
-    date += QLatin1Char('*');
-  list->emailRows.append(Emailrow(id, numAttach, std::move(date), QString::fromUtf8(column(2)),
-                                  repeatedText(column(3), list->lastTo_),
-                                  QString::fromUtf8(column(4)),
-                                  repeatedText(column(5), list->lastMailbox_)));
+  list->emailRows.append(Emailrow::fromColumns(id, numAttach, column(1), isTagged, column(2),
+                                               column(3), column(4), column(5)));
   ++list->listCount;
   // "%s" of a NULL id prints "(null)", as the id callback writes it.
-  archive.idList.append(column(0) ? QString::fromUtf8(column(0)) : QStringLiteral("(null)"));
+  archive.idList.append(column(0) ? column(0) : "(null)");
   list->progress_.doProgressCount(list->listCount, 10);
   return 0;
-}
-
-QString ResultList::repeatedText(const char* value, RepeatedText& last) {
-  const QByteArrayView bytes(value ? value : "");
-  if (bytes != QByteArrayView(last.bytes) || last.text.isNull()) {
-    last.bytes = bytes.toByteArray();
-    last.text = QString::fromUtf8(bytes);
-  }
-  return last.text;
 }
 
 void ResultList::emptyRows() {
@@ -171,7 +209,7 @@ void ResultList::startRows(const QString& dbPath) {
 }
 
 void ResultList::appendRow(Emailrow row) {
-  archive_.idList.append(QString::number(row.emailID()));
+  archive_.idList.append(row.emailID());
   emailRows.append(std::move(row));
   ++listCount;
 }

@@ -5,7 +5,9 @@
 #include <QObject>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
+#include "archive/Archive.h"
 #include "search/Emailrow.h"
 
 namespace quillery::archive {
@@ -24,6 +26,8 @@ namespace quillery::search {
 // reversed while sortDescending is set. The ids of the listed messages go into the archive's
 // shared idList in the order the rows arrived; sorting and removing rows from the list leave
 // that list alone. The window follows the list through the signals; a test reads the fields.
+class IndexedSearch;
+
 class ResultList : public QObject {
   Q_OBJECT
 
@@ -40,8 +44,10 @@ class ResultList : public QObject {
   // numAttach), leaving out rows without attachments when onlyAttachCheck is on (it sets
   // onlyAttachments from it, whatever the caller left there). A failing
   // statement shows "SQL Error: %s", closes the list window and the connection and leaves the
-  // list empty. dbPath is only named in the list window's title.
-  void retrieve(const QString& dbPath);
+  // list empty. dbPath is only named in the list window's title. With `indexed`, the
+  // statement runs through the search index when that lists the same rows faster; should the
+  // index fail, the statement runs as it stands.
+  void retrieve(const QString& dbPath, IndexedSearch* indexed = nullptr);
   // The row callback of retrieve(); context: ResultList*.
   static int listRowCallback(void* context, int columns, char** values, char** names);
 
@@ -120,15 +126,14 @@ class ResultList : public QObject {
   void rowsReplaced();
 
  private:
-  // The bytes and text of a column on the row read last, for sharing repeated texts.
-  struct RepeatedText {
-    QByteArray bytes;
-    QString text;
-  };
-  // The text of a column that often repeats from row to row (the mailbox, the recipient):
-  // the previous row's text is shared when the bytes are the same, which keeps a long list
-  // small.
-  static QString repeatedText(const char* value, RepeatedText& last);
+  // Runs the statement with the row callback, through the index when given.
+  archive::ExecResult runListStatement(IndexedSearch* indexed);
+  // Reads the ids of the tagged messages for a statement that runs alone; when the statement
+  // holds more than one, or the read fails, each row asks for its own tags row as it comes.
+  void readTaggedIds(const QString& statement);
+  // Whether the message with this id has a tags row; false with its error reported when that
+  // cannot be read.
+  bool tagged(int id, bool& failed);
   void showCounts();
   // Forgets the rows, their ids and both count texts; the callers tell the views.
   void emptyRows();
@@ -139,8 +144,9 @@ class ResultList : public QObject {
   QString dbCountText_;
   QString listCountText_;
   QString listedArchivePath_;
-  RepeatedText lastTo_;
-  RepeatedText lastMailbox_;
+  // The tagged ids of the retrieval under way, ascending, when they were read at its start.
+  std::vector<long long> taggedIds_;
+  bool taggedIdsRead_ = false;
 };
 
 }  // namespace quillery::search

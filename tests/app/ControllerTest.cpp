@@ -117,6 +117,26 @@ TEST_F(ControllerTest, TheProgressCountIsRedrawnOnMultiplesOfTheStepOnly) {
   EXPECT_FALSE(panel->isVisible() || panel->indicator->isAnimating());
 }
 
+TEST_F(ControllerTest, WorkThatMayBeStoppedHoldsTheWindowsWhileItsStopButtonWorks) {
+  QuilleryController& app = start();
+  ProgressPanel* panel = app.ProgressPanel;
+  int stops = 0;
+  panel->offerStop([&stops] { ++stops; });
+  panel->open(QStringLiteral("Indexing..."));
+  EXPECT_TRUE(panel->stopButton->isVisible());
+  EXPECT_EQ(panel->windowModality(), Qt::ApplicationModal);
+  panel->stopButton->click();
+  panel->keepResponsive();
+  EXPECT_EQ(stops, 1);
+  panel->close();
+  EXPECT_FALSE(panel->stopButton->isVisible());
+  // The next work without an offer shows no button and holds nothing.
+  panel->open(QStringLiteral("Retrieving..."));
+  EXPECT_FALSE(panel->stopButton->isVisible());
+  EXPECT_EQ(panel->windowModality(), Qt::NonModal);
+  panel->close();
+}
+
 TEST_F(ControllerTest, TheArchivePathIsKeptWhenChosenOrHandedOverAndNothingIsCreated) {
   QuilleryController& app = start();
   const QString created = dir.filePath(QStringLiteral("new.db"));

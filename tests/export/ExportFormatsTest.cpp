@@ -96,7 +96,10 @@ TEST_F(ExportFormatsTest, TheArchiveFileHoldsTheListedMessagesUnderNewIds) {
   for (const bool origState : {true, false}) {
     const QString name = origState ? "copy.db" : "without-sources.db";
     const QString path = outputPath(name);
+    // The search index of a file that was there before describes other messages.
+    ASSERT_TRUE(test::writeFile(path + ".index", "an earlier file's index"));
     EXPECT_EQ(run(F::Archive, name, 1, origState), ExportOutcome::Done);
+    EXPECT_FALSE(QFile::exists(path + ".index"));
     QStringList rows;
     for (const char* table : {"email", "tags", "origemail", "attachments"})
       for (const QStringList& row : tableOf(path, QStringLiteral("SELECT * FROM ") + table))

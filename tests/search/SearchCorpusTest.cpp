@@ -11,6 +11,7 @@
 #include <QSignalSpy>
 #include <ctime>
 
+#include "IndexedMail.h"
 #include "SearchFixture.h"
 #include "SearchRows.h"
 #include "ingest/StoreRun.h"
@@ -53,30 +54,12 @@ QString corpusArchive() {
     test::writeFile(samples + QString::number(i + 1) + ".emlx", emlx(file.readAll()));
   }
 
-  test::FakeDialogs dialogs;
-  test::FakeProgress progress;
-  platform::QtFiles files;
-  archive::Archive archive(dialogs, files);
-  ResultList list(archive, dialogs, progress);
-  ingest::CurrentMessage message;
-  ingest::StoreRunCounters counters;
-  ingest::StoreRun run(archive, list, message, counters, dialogs, progress,
-                       test::toolPath(QStringLiteral("domail")));
+  QStringList mboxes;
+  for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}, QDir::Files))
+    mboxes.append(corpus + "/mbox/" + name);
   const QString path = dir.filePath(QStringLiteral("corpus.db"));
-  for (const bool mbox : {true, false}) {
-    QSignalSpy finished(&run, &ingest::StoreRun::finished);
-    ingest::StoreRequest request;
-    request.dbPath = path;
-    request.switches = {false, true, true, false, true, false};
-    request.mboxMode = mbox;
-    for (const QString& name : QDir(corpus + "/mbox").entryList({"*.mbox"}, QDir::Files))
-      if (mbox)
-        request.mboxFiles.append(corpus + "/mbox/" + name);
-    if (!mbox)
-      request.sources.accountList = accounts;
-    if (!run.start(request) || !finished.wait(120000))
-      return {};
-  }
+  if (!IndexedMail::store(path, mboxes, accounts))
+    return {};
   stored = path;
   return stored;
 }

@@ -139,7 +139,7 @@ void DatabaseMerge::copyMessages() {
   // The merge file's ids are worked through from a copy: idList becomes the ids of the
   // listed messages again as they are copied. idCount keeps counting the merge file's
   // messages, which also keeps a second merge out while this one runs.
-  const QStringList mergeIds = archive_.idList;
+  const archive::IdList mergeIds = archive_.idList;
   archive_.idList.clear();
   MergeMessageCopy message(archive_, list_, dialogs_, progress_);
   int counter = 0;

@@ -131,7 +131,7 @@ bool FormatConversion::countAttachments() {
   // read the whole attachments table.
   archive_.ensureIndexes();
   archive_.exec(QStringLiteral("BEGIN TRANSACTION"));
-  const QStringList ids = archive_.idList;
+  const archive::IdList ids = archive_.idList;
   for (qsizetype index = 0; index < ids.size(); ++index) {
     const int id = text::leadingInt(ids.at(index));
     const archive::ExecResult counted = archive_.exec(

@@ -43,6 +43,8 @@ bool Restore::restoreDB(const QString& dbPath, const QString& backupPath) {
     return false;
   }
   progress_.open(QStringLiteral("Restoring..."));
+  // The search index describes the archive that is about to go.
+  archive_.searchIndex().forget(dbPath);
   files_.remove(dbPath);
   const bool copied = files_.copy(backupPath, dbPath);
   progress_.close();

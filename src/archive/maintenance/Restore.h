@@ -26,8 +26,10 @@ class Restore {
   // archive reports it. After the user confirms ("Restore Database"), the archive file is
   // removed and the backup copied in its place: "Done restoring database" on success,
   // "Restore failed" when the copy fails, which leaves no archive file at the path (the
-  // backup file is never changed). The shared connection is left as it was. Returns true
-  // when the backup was copied. While a store run is under way nothing happens.
+  // backup file is never changed). The archive's search index is removed before the copy
+  // (the next search builds it for the restored file). The shared connection is left as it
+  // was. Returns true when the backup was copied. While a store run is under way nothing
+  // happens.
   bool restoreDB(const QString& dbPath, const QString& backupPath);
 
  private:
