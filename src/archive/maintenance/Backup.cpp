@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "archive/Archive.h"
+#include "archive/SearchIndex.h"
 #include "archive/maintenance/SameFile.h"
 #include "platform/Dialogs.h"
 #include "platform/Files.h"
@@ -55,6 +56,9 @@ bool Backup::backupDB(const QString& dbPath, QString& backupPath,
     dialogs_.critical(QString(), QStringLiteral("Unable to remove @"));
     return false;
   }
+  // A search index left beside the file replaced would pass for the copy's: the copy's
+  // fingerprint may be the one the replaced file had.
+  archive_.searchIndex().forget(backupPath);
   if (!files_.copy(dbPath, backupPath)) {
     progress_.close();
     dialogs_.critical(QStringLiteral("Backup failed"),

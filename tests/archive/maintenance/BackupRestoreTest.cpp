@@ -51,10 +51,13 @@ TEST_F(BackupRestoreTest, AFirstBackupIsProposedBesideTheArchiveAndLaterOnesRepl
   EXPECT_EQ(progress.events, (QStringList{"open:Copying...", "close"}));
 
   ASSERT_EQ(test::execOn(dbPath, "DELETE FROM email WHERE id < 4"), QString());
+  // The search index of the earlier backup describes messages the new copy no longer has.
+  ASSERT_TRUE(writeFile(bak + ".index", "an index of the earlier backup"));
   dialogs.setNextFileName(bak);
   ASSERT_TRUE(backUp(backupPath));
   EXPECT_EQ(dialogs.savePanels[1].fileName, "archive.db.bak");
   EXPECT_EQ(bytes(bak), bytes(dbPath));
+  EXPECT_FALSE(QFile::exists(bak + ".index"));
 }
 
 TEST_F(BackupRestoreTest, AFailedBackupSaysWhyAndLeavesTheArchiveAsItWas) {
