@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "archive/Fts5Tokenizers.h"
 #include "archive/LikeText.h"
 
 namespace quillery::archive {
@@ -98,16 +99,7 @@ fts5_tokenizer kTokenizer = {createTokenizer, deleteTokenizer, tokenize};
 }  // namespace
 
 bool GramTokenizer::registerWith(sqlite3* connection) {
-  fts5_api* api = nullptr;
-  sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(connection, "SELECT fts5(?1)", -1, &statement, nullptr) != SQLITE_OK)
-    return false;
-  sqlite3_bind_pointer(statement, 1, static_cast<void*>(&api), "fts5_api_ptr", nullptr);
-  sqlite3_step(statement);
-  sqlite3_finalize(statement);
-  if (api == nullptr || api->iVersion < 2)
-    return false;
-  return api->xCreateTokenizer(api, kName, nullptr, &kTokenizer, nullptr) == SQLITE_OK;
+  return registerFts5Tokenizer(connection, kName, nullptr, &kTokenizer);
 }
 
 QList<QByteArray> GramTokenizer::likeGrams(const QString& pattern) {

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 
+#include "archive/Fts5Tokenizers.h"
 #include "archive/LikeText.h"
 
 namespace quillery::archive {
@@ -160,16 +161,7 @@ void WordTokenizer::Seen::clearWords() {
 }
 
 bool WordTokenizer::registerWith(sqlite3* connection, Seen* seen) {
-  fts5_api* api = nullptr;
-  sqlite3_stmt* statement = nullptr;
-  if (sqlite3_prepare_v2(connection, "SELECT fts5(?1)", -1, &statement, nullptr) != SQLITE_OK)
-    return false;
-  sqlite3_bind_pointer(statement, 1, static_cast<void*>(&api), "fts5_api_ptr", nullptr);
-  sqlite3_step(statement);
-  sqlite3_finalize(statement);
-  if (api == nullptr || api->iVersion < 2)
-    return false;
-  return api->xCreateTokenizer(api, kName, seen, &kTokenizer, nullptr) == SQLITE_OK;
+  return registerFts5Tokenizer(connection, kName, seen, &kTokenizer);
 }
 
 QList<QByteArray> WordTokenizer::likeRuns(const QString& pattern) {
