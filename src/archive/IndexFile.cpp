@@ -7,12 +7,13 @@
 
 #include "archive/GramTokenizer.h"
 #include "archive/PreparedStatement.h"
+#include "archive/Vocabulary.h"
 
 namespace quillery::archive {
 namespace {
 
 // The layout of the side file; a side file of another layout is made anew.
-constexpr long long kFormat = 5;
+constexpr long long kFormat = 6;
 // The FTS5 tables collect this many bytes in memory before they write a segment: fewer,
 // larger segments cost less merging.
 constexpr int kPendingBytes = 16 * 1024 * 1024;
@@ -42,7 +43,8 @@ bool IndexFile::open(const QString& path) {
     if (sqlite3_open_v2(name.constData(), &connection_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
                         nullptr) == SQLITE_OK &&
         sqlite3_busy_timeout(connection_, kBusyMs) == SQLITE_OK &&
-        GramTokenizer::registerWith(connection_))
+        GramTokenizer::registerWith(connection_) &&
+        WordTokenizer::registerWith(connection_, &seen_))
       schema = makeSchema();
     if (schema == Schema::Ready)
       return true;
@@ -60,6 +62,8 @@ bool IndexFile::open(const QString& path) {
 void IndexFile::close() {
   for (auto& insert : inserts_)
     insert.reset();
+  vocabulary_.reset();
+  seen_.forget();
   if (connection_ == nullptr)
     return;
   if (inTransaction())
@@ -105,11 +109,12 @@ IndexFile::Schema IndexFile::makeSchema() {
         statements << QStringLiteral(
                           "CREATE VIRTUAL TABLE %1 USING fts5(t,content='',"
                           "detail=none,columnsize=0,tokenize='%2')")
-                          .arg(table, QLatin1String(GramTokenizer::kName))
+                          .arg(table, QLatin1String(WordTokenizer::kName))
                    << QStringLiteral("INSERT INTO %1(%1,rank) VALUES('hashsize',%2)")
                           .arg(table)
                           .arg(kPendingBytes);
       }
+      statements << Vocabulary::schema();
       if (!begin())
         return Schema::Failed;
       for (const QString& statement : std::as_const(statements)) {
@@ -129,7 +134,8 @@ IndexFile::Schema IndexFile::makeSchema() {
     if (!inserts_[i]->ok())
       return Schema::Failed;
   }
-  return Schema::Ready;
+  vocabulary_ = std::make_unique<Vocabulary>(connection_);
+  return vocabulary_->ok() ? Schema::Ready : Schema::Failed;
 }
 
 std::optional<IndexFile::State> IndexFile::readState() {
@@ -185,7 +191,14 @@ long long IndexFile::dataVersion() {
 }
 
 bool IndexFile::begin() {
-  return run(QStringLiteral("BEGIN"));
+  if (!run(QStringLiteral("BEGIN")))
+    return false;
+  // Another Quillery may have emptied the file: the words seen may no longer be in it.
+  const long long version = dataVersion();
+  if (version != seenVersion_)
+    seen_.forget();
+  seenVersion_ = version;
+  return true;
 }
 
 bool IndexFile::commit() {
@@ -194,6 +207,7 @@ bool IndexFile::commit() {
 
 void IndexFile::rollback() {
   run(QStringLiteral("ROLLBACK"));
+  seen_.forget();
 }
 
 bool IndexFile::inTransaction() const {
@@ -201,7 +215,8 @@ bool IndexFile::inTransaction() const {
 }
 
 bool IndexFile::empty() {
-  if (!run(QStringLiteral("DELETE FROM pending")))
+  seen_.forget();
+  if (!run(QStringLiteral("DELETE FROM pending")) || !vocabulary_->empty())
     return false;
   for (const char* column : kColumnNames) {
     if (!run(QStringLiteral("INSERT INTO %1(%1) VALUES('delete-all')")
@@ -223,7 +238,11 @@ bool IndexFile::add(long long id, const QByteArrayView (&texts)[kColumns]) {
     if (!ok)
       return false;
   }
-  return true;
+  return vocabulary_->addFresh(seen_);
+}
+
+std::optional<QList<QByteArray>> IndexFile::wordsHolding(const QByteArray& run) {
+  return vocabulary_->holding(run);
 }
 
 std::optional<std::vector<long long>> IndexFile::ids(const QString& query) {

@@ -8,19 +8,22 @@
 #include <vector>
 
 #include "archive/ArchiveFingerprint.h"
+#include "archive/WordTokenizer.h"
 
 struct sqlite3;
 
 namespace quillery::archive {
 
 class PreparedStatement;
+class Vocabulary;
 
 // The search index's side file on a connection of its own, so that writing it never becomes
 // part of the archive's transactions (FTS5 writes out what it has collected at every
 // statement of a transaction it takes part in, which would cost a small segment per stored
 // message). It holds one FTS5 table per searched column, named after the column with the
-// prefix "quillery_", each giving every message's word grams (GramTokenizer), the ids of
-// the messages whose grams are still to be added, and a row of state.
+// prefix "quillery_", each giving every message's distinct words (WordTokenizer), the
+// vocabulary of those words (Vocabulary), the ids of the messages whose words are still to be
+// added, and a row of state.
 //
 // Any failure leaves the file as it was before the failing transaction; the caller then
 // stops using the index.
@@ -69,14 +72,18 @@ class IndexFile {
   void rollback();
   bool inTransaction() const;
 
-  // Forgets every message's grams.
+  // Forgets every message's words and the vocabulary.
   bool empty();
-  // Adds a message's grams: texts are the body, subject, sender and recipient as UTF-8.
+  // Adds a message's words, and those new to the vocabulary to it: texts are the body,
+  // subject, sender and recipient as UTF-8.
   bool add(long long id, const QByteArrayView (&texts)[kColumns]);
+  // The words of the vocabulary that a message holding this run of a pattern may have given
+  // (Vocabulary::holding); nothing when the run cannot narrow the messages.
+  std::optional<QList<QByteArray>> wordsHolding(const QByteArray& run);
   // Runs a query of ids (of the FTS5 tables, or of the pending ones) and answers its ids in
   // ascending order; nothing when it fails.
   std::optional<std::vector<long long>> ids(const QString& query);
-  // The ids of the messages whose grams are still to be added, as writePending left them.
+  // The ids of the messages whose words are still to be added, as writePending left them.
   std::optional<std::vector<long long>> pending() {
     return ids(QStringLiteral("SELECT id FROM pending"));
   }
@@ -91,6 +98,10 @@ class IndexFile {
 
   sqlite3* connection_ = nullptr;
   std::unique_ptr<PreparedStatement> inserts_[kColumns];
+  std::unique_ptr<Vocabulary> vocabulary_;
+  // The words the open file is known to hold, and its data version when that was last so.
+  WordTokenizer::Seen seen_;
+  long long seenVersion_ = -1;
 };
 
 }  // namespace quillery::archive

@@ -187,7 +187,7 @@ void SearchIndex::detach() {
     const ArchiveFingerprint now = ArchiveFingerprint::read(connection);
     archive_.exec(QStringLiteral("COMMIT"));
     // The messages still to be added are kept with the fingerprint: together with the
-    // grams they describe the archive. A side file that another Quillery has written
+    // words they describe the archive. A side file that another Quillery has written
     // meanwhile is left as that one left it.
     if (version == syncedDataVersion_ && now.valid &&
         (!(now == stored_.fingerprint) || droppedSinceAttach_ != 0 || file_.inTransaction() ||
@@ -258,7 +258,7 @@ bool SearchIndex::usable() {
 bool SearchIndex::needsBuilding() const {
   if (state_ == State::Stale || state_ == State::Building || !noted_.empty())
     return true;
-  // Deleted and changed messages keep their grams: once they outnumber the messages twice
+  // Deleted and changed messages keep their words: once they outnumber the messages twice
   // over, the needless candidates cost more than building anew.
   return state_ == State::Current && stored_.dropped + droppedSinceAttach_ > 2 * span_ + 10000;
 }

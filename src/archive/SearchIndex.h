@@ -25,17 +25,17 @@ class IndexFeeder;
 // other program, for the merge and for the exports.
 //
 // The index only ever narrows a search to a superset of its hits: every message is in it with
-// the word grams of its texts, and a message that is deleted or changed keeps its old
-// grams until the index is next built anew, which costs needless candidates, never a hit.
+// the words of its texts, and a message that is deleted or changed keeps its old words until
+// the index is next built anew, which costs needless candidates, never a hit.
 //
 // Keeping it current: SQLite tells this object of every row that the archive's connection
 // inserts or deletes in the email table (the update hook), and a TEMP trigger of the
 // connection of every message whose searched texts or id are set; neither changes the
 // archive's schema or file. The ids of inserted and changed messages are noted, and their
-// grams are added to the side file in transactions of its own: while the event loop is idle
+// words are added to the side file in transactions of its own: while the event loop is idle
 // and no store run is under way, and before a search (build). Ids still noted when the
 // connection closes are kept in the side file and taken up at the next open; until their
-// grams are added, a search does not use the index. What the index (with those ids)
+// words are added, a search does not use the index. What the index (with those ids)
 // describes is recorded as the archive's fingerprint (ArchiveFingerprint) when the connection
 // closes, if no other connection has committed to the archive or to the side file since it
 // opened (SQLite's data version): another Quillery on the same archive may have emptied the side
@@ -86,7 +86,7 @@ class SearchIndex : public QObject {
   // search then runs.
   bool usable();
   // Whether build() has work to do: the index is stale or not yet complete, messages noted
-  // are still to be added, or it holds so many grams of deleted and changed messages that
+  // are still to be added, or it holds so many words of deleted and changed messages that
   // building it anew pays.
   bool needsBuilding() const;
   // Brings the index up to date: empties a stale one, adds the noted messages and indexes the
@@ -102,6 +102,11 @@ class SearchIndex : public QObject {
   // number, or nothing when the query fails (the index is then off) or another Quillery has
   // written the side file meanwhile (the index is then stale).
   std::optional<std::size_t> prepareCandidates(const QString& query);
+  // The words of the index's vocabulary that a message holding this run of a LIKE pattern
+  // (WordTokenizer::likeRuns) may have given; nothing when the run narrows nothing.
+  std::optional<QList<QByteArray>> wordsHolding(const QByteArray& run) {
+    return file_.wordsHolding(run);
+  }
   // The span of message ids when the archive was attached (highest - lowest + 1).
   long long messageSpan() const { return span_; }
 

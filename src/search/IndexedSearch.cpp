@@ -36,7 +36,8 @@ QString IndexedSearch::statementFor(const QString& statement) {
   const int likeLimit =
       sqlite3_limit(archive_.archiveConnection, SQLITE_LIMIT_LIKE_PATTERN_LENGTH, -1);
   const std::optional<SearchPrefilter> prefilter =
-      SearchPrefilter::read(statement, names, likeLimit);
+      SearchPrefilter::read(statement, names, likeLimit,
+                            [&index](const QByteArray& run) { return index.wordsHolding(run); });
   if (!prefilter || prefilter->candidates.isEmpty())
     return statement;
   const QString order = tieOrder(statement);

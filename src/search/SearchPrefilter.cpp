@@ -2,16 +2,16 @@
 
 #include <QList>
 
-#include "archive/GramTokenizer.h"
 #include "archive/IndexFile.h"
 #include "archive/SearchIndex.h"
+#include "archive/WordTokenizer.h"
 
 namespace quillery::search {
 namespace {
 
-// At most this many terms of one pattern are looked up: more narrow little further and each
-// costs a walk through the index.
-constexpr int kMaxTerms = 12;
+// At most this many runs of one pattern (the longest) are looked up: more narrow little
+// further and each costs a walk through the vocabulary and the index.
+constexpr int kMostRuns = 6;
 
 const QStringList kEmailColumns = {
     QStringLiteral("id"),       QStringLiteral("from_fld"), QStringLiteral("to_fld"),
@@ -117,29 +117,42 @@ Candidates combined(const QList<Candidates>& parts, bool both) {
   return {false, queries.join(both ? QStringLiteral(" INTERSECT ") : QStringLiteral(" UNION "))};
 }
 
-Candidates likeCandidates(const QString& column, const QString& pattern) {
-  const QList<QByteArray> grams = archive::GramTokenizer::likeGrams(pattern);
-  if (grams.isEmpty())
-    return {};
-  // Spread over the pattern when there are more than can be looked up.
-  QStringList terms;
-  const qsizetype n = grams.size();
-  const qsizetype take = std::min<qsizetype>(n, kMaxTerms);
-  for (qsizetype k = 0; k < take; ++k) {
-    const qsizetype i = take == 1 ? 0 : k * (n - 1) / (take - 1);
-    terms.append(QLatin1Char('"') + QString::fromUtf8(grams.at(i)) + QLatin1Char('"'));
+Candidates likeCandidates(const QString& column, const QString& pattern,
+                          const SearchPrefilter::WordsHolding& wordsHolding) {
+  const QString table = archive::IndexFile::tableOf(column);
+  const QList<QByteArray> runs = archive::WordTokenizer::likeRuns(pattern);
+  QStringList groups;
+  for (qsizetype i = 0; i < runs.size() && i < kMostRuns; ++i) {
+    const std::optional<QList<QByteArray>> words = wordsHolding(runs.at(i));
+    if (!words)
+      continue;
+    // No word holds the run: no message matches.
+    if (words->isEmpty())
+      return {false, QStringLiteral("SELECT rowid FROM %1 WHERE 0").arg(table)};
+    // Words are made of word characters: no quotes of either kind.
+    QStringList terms;
+    for (const QByteArray& word : *words)
+      terms.append(QLatin1Char('"') + QString::fromUtf8(word) + QLatin1Char('"'));
+    groups.append(terms.size() == 1
+                      ? terms.first()
+                      : QLatin1Char('(') + terms.join(QStringLiteral(" OR ")) + QLatin1Char(')'));
   }
-  // Grams are made of word characters: no quotes of either kind.
-  return {false,
-          QStringLiteral("SELECT rowid FROM %1 WHERE %1 MATCH '%2'")
-              .arg(archive::IndexFile::tableOf(column), terms.join(QStringLiteral(" AND ")))};
+  if (groups.isEmpty())
+    return {};
+  return {false, QStringLiteral("SELECT rowid FROM %1 WHERE %1 MATCH '%2'")
+                     .arg(table, groups.join(QStringLiteral(" AND ")))};
 }
 
 // A recursive reading of the condition by SQLite's precedence: OR binds looser than AND.
 class Reader {
  public:
-  Reader(const QList<Token>& tokens, bool withTags, const QStringList& columnNames, int likeLimit)
-      : tokens_(tokens), withTags_(withTags), names_(columnNames), likeLimit_(likeLimit) {}
+  Reader(const QList<Token>& tokens, bool withTags, const QStringList& columnNames, int likeLimit,
+         const SearchPrefilter::WordsHolding& wordsHolding)
+      : tokens_(tokens),
+        withTags_(withTags),
+        names_(columnNames),
+        likeLimit_(likeLimit),
+        wordsHolding_(wordsHolding) {}
 
   bool keyword(const char* word) {
     if (peek().kind != Token::Word ||
@@ -231,7 +244,7 @@ class Reader {
       const QString bare = name.section(QLatin1Char('.'), -1);
       const bool emailColumn = !name.startsWith(u"tags.");
       if (emailColumn && archive::SearchIndex::isIndexedColumn(bare))
-        return likeCandidates(bare, *pattern);
+        return likeCandidates(bare, *pattern, wordsHolding_);
       return Candidates();
     }
     if (symbol(">=") || symbol("<="))
@@ -252,6 +265,7 @@ class Reader {
   bool withTags_;
   const QStringList& names_;
   int likeLimit_;
+  const SearchPrefilter::WordsHolding& wordsHolding_;
   qsizetype at_ = 0;
 };
 
@@ -265,8 +279,8 @@ const QString SearchPrefilter::kSelectEmailTags = QStringLiteral(
     "mailbox END),numAttach FROM email,tags ");
 
 std::optional<SearchPrefilter> SearchPrefilter::read(const QString& statement,
-                                                     const QStringList& columnNames,
-                                                     int likeLimit) {
+                                                     const QStringList& columnNames, int likeLimit,
+                                                     const WordsHolding& wordsHolding) {
   SearchPrefilter prefilter;
   prefilter.withTags = statement.startsWith(kSelectEmailTags);
   if (!prefilter.withTags && !statement.startsWith(kSelectEmail))
@@ -275,7 +289,7 @@ std::optional<SearchPrefilter> SearchPrefilter::read(const QString& statement,
   const std::optional<QList<Token>> list = tokens(statement, head);
   if (!list)
     return std::nullopt;
-  Reader reader(*list, prefilter.withTags, columnNames, likeLimit);
+  Reader reader(*list, prefilter.withTags, columnNames, likeLimit, wordsHolding);
   Candidates candidates;
   if (reader.keyword("WHERE")) {
     const qsizetype start = reader.peek().start;

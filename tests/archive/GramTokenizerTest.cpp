@@ -1,4 +1,4 @@
-// The index's grams, checked against SQLite itself: for every text and LIKE pattern of a
+// The vocabulary's triples, checked against SQLite itself: for every text and LIKE pattern of a
 // table, a message that LIKE matches must hold every gram of the pattern, in an FTS5 table of
 // this tokenizer on an in-memory database.
 #include <gtest/gtest.h>
@@ -66,14 +66,14 @@ TEST_F(GramTokenizerTest, PatternsNameTheGramsOfTheirWordRuns) {
     const char* pattern;
     G grams;
   } rows[] = {
-      {"%ab%", {}},                                     // too short
-      {"%abc%", {"abc"}},                               // one triple
-      {"%abcd%", {"abcd"}},                             // one quad
-      {"%kitchen%", {"kitc", "itch", "tche", "chen"}},  // the quads of a longer run
-      {"%Ab-cD%", {}},                                  // two runs of two
-      {"%ab_cd%", {}},                                  // "_" ends a run
-      {"%abc%def%", {"abc", "def"}},                    // each literal run
-      {"%Grüße%", {"Grüß", "rüße"}},                    // non-ASCII letters are word characters
+      {"%ab%", {}},                // too short
+      {"%abc%", {"abc"}},          // one triple
+      {"%abcd%", {"abc", "bcd"}},  // the triples of a longer run
+      {"%kitchen%", {"kit", "itc", "tch", "che", "hen"}},
+      {"%Ab-cD%", {}},                     // two runs of two
+      {"%ab_cd%", {}},                     // "_" ends a run
+      {"%abc%def%", {"abc", "def"}},       // each literal run
+      {"%Grüße%", {"Grü", "rüß", "üße"}},  // non-ASCII letters are word characters
       {"%say \"hi\" to%", {"say"}},
       {"%abc abc%", {"abc"}},  // each gram once
   };

@@ -11,6 +11,16 @@ namespace {
 const QStringList kColumns = {"id",      "from_fld", "to_fld",   "subj_fld", "date_fld",
                               "mailbox", "mailto",   "body_fld", "numAttach"};
 
+// The vocabulary: most runs are words of their own; "two" lies in two words, "none" in none, and
+// "many" in too many.
+std::optional<QList<QByteArray>> wordsHolding(const QByteArray& run) {
+  if (run == "many")
+    return std::nullopt;
+  if (run == "two")
+    return QList<QByteArray>{"two", "twofold"};
+  return run == "none" ? QList<QByteArray>() : QList<QByteArray>{run};
+}
+
 QString body(const char* word) {
   return QStringLiteral(
              "SELECT rowid FROM quillery_body_fld WHERE quillery_body_fld MATCH '\"%1\"'")
@@ -43,12 +53,18 @@ TEST(SearchPrefilterTest, ConditionsNarrowAsSqliteCombinesThem) {
       {R"(WHERE date_fld >= "2005-03-01 00:00:00" AND date_fld <= "2005-03-31 99:99:99" AND (body_fld LIKE "%abc%"))",
        body("abc")},
       {R"( WHERE (body_fld LIKE "%ab%"))", {}},
+      {R"( WHERE (body_fld LIKE "%ABC%two%"))",
+       R"(SELECT rowid FROM quillery_body_fld WHERE quillery_body_fld MATCH '"abc" AND ("two" OR "twofold")')"},
+      {R"( WHERE (body_fld LIKE "%many%abc%"))", body("abc")},
+      {R"( WHERE (body_fld LIKE "%many%"))", {}},
+      {R"( WHERE (body_fld LIKE "%none%many%"))", "SELECT rowid FROM quillery_body_fld WHERE 0"},
       {R"(WHERE date_fld >= "2005" AND date_fld <= "2006")", {}},
   };
   for (const auto& row : rows) {
     const QString statement =
         SearchPrefilter::kSelectEmail + QString::fromUtf8(row.where) + " ORDER BY UPPER(date_fld)";
-    const std::optional<SearchPrefilter> read = SearchPrefilter::read(statement, kColumns, 50000);
+    const std::optional<SearchPrefilter> read =
+        SearchPrefilter::read(statement, kColumns, 50000, wordsHolding);
     ASSERT_TRUE(read) << row.where;
     EXPECT_EQ(read->candidates, row.candidates) << row.where;
     EXPECT_TRUE(statement.contains(read->condition)) << row.where;
@@ -59,7 +75,8 @@ TEST(SearchPrefilterTest, TagSearchesJoinAndEverythingElseIsRefused) {
   const QString tags = SearchPrefilter::kSelectEmailTags +
                        R"( WHERE email.id=tags.id AND (cat_fld LIKE "%Work%" AND priority_fld=3) )"
                        R"(AND (body_fld LIKE "%abc%") ORDER BY UPPER(date_fld))";
-  const std::optional<SearchPrefilter> read = SearchPrefilter::read(tags, kColumns, 50000);
+  const std::optional<SearchPrefilter> read =
+      SearchPrefilter::read(tags, kColumns, 50000, wordsHolding);
   ASSERT_TRUE(read);
   EXPECT_TRUE(read->withTags);
   EXPECT_EQ(read->candidates, body("abc"));
@@ -73,7 +90,7 @@ TEST(SearchPrefilterTest, TagSearchesJoinAndEverythingElseIsRefused) {
   };
   for (const char* where : refused)
     EXPECT_FALSE(SearchPrefilter::read(SearchPrefilter::kSelectEmail + QString::fromUtf8(where),
-                                       kColumns, 7))
+                                       kColumns, 7, wordsHolding))
         << where;
 }
 
