@@ -86,6 +86,13 @@ void Archive::openDB(const QString& dbPath) {
   openFailed = true;
 }
 
+bool Archive::openForAction(const QString& dbPath) {
+  openDB(dbPath);
+  const bool opened = !openFailed;
+  openFailed = false;
+  return opened;
+}
+
 OpenStatus Archive::openArchive(const QString& dbPath) {
   OpenStatus status = openFile(dbPath);
   if (!status.ok())

@@ -70,6 +70,10 @@ class Archive : public IdListState {
   // alert the user needs and raises openFailed, which it never clears; nothing is written
   // except tables created before the failing step.
   void openDB(const QString& dbPath);
+  // openDB for an action that gives up when the archive cannot be opened: answers false when
+  // openFailed is raised afterwards (also when an earlier failure left it raised) and lowers
+  // it, so that the next action starts afresh.
+  bool openForAction(const QString& dbPath);
   // The same steps as openDB without alerts and without touching openFailed: the caller
   // decides what to tell the user (reportOpenFailure gives openDB's alerts). On failure the
   // connection may be left open (a file of the old format, or one whose table could not be

@@ -21,11 +21,8 @@ std::optional<StoreDate> StorePreparation::setStoreDate(const QString& dbPath) {
   // Reopening the archive now would roll back the running store's transaction.
   if (run_.isRunning())
     return std::nullopt;
-  archive_.openDB(dbPath);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
+  if (!archive_.openForAction(dbPath))
     return std::nullopt;
-  }
   std::optional<StoreDate> begin;
   if (archive_.isOpen()) {
     archive_.sqlResult.clear();

@@ -57,11 +57,8 @@ bool StoreRun::start(const StoreRequest& request) {
   archive_.close();
   resultList_.clear();
   Q_EMIT messageViewCleared();
-  archive_.openDB(request.dbPath);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
+  if (!archive_.openForAction(request.dbPath))
     return false;
-  }
   beginRun(request);
   QStringList arguments{domailPath_};
   arguments += request.toolArguments();

@@ -16,13 +16,8 @@ bool CategoryList::getCategories(const QString& dbPath) {
   // A running store keeps its transaction on the one connection: reopening would roll it
   // back, so the categories are read where the run stands.
   const bool ownConnection = !archive_.storeRunUnderWay;
-  if (ownConnection) {
-    archive_.openDB(dbPath);
-    if (archive_.openFailed) {
-      archive_.openFailed = false;
-      return false;
-    }
-  }
+  if (ownConnection && !archive_.openForAction(dbPath))
+    return false;
   const archive::ExecResult result = archive_.exec(
       QStringLiteral("SELECT DISTINCT cat_fld FROM tags"), categoryListCallback, this);
   if (ownConnection)

@@ -232,12 +232,7 @@ bool ResultList::reopenListedArchive() {
     return true;
   if (listedArchivePath_.isEmpty())
     return false;
-  archive_.openDB(listedArchivePath_);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
-    return false;
-  }
-  return true;
+  return archive_.openForAction(listedArchivePath_);
 }
 
 void ResultList::replaceRow(int arrayIndex, Emailrow row) {

@@ -49,11 +49,8 @@ bool SqlQuery::makeSQLString(const QString& whereText, const QString& dbPath) {
 bool SqlQuery::reopenForStatement(const QString& dbPath) {
   if (archive_.isOpen())
     return true;
-  archive_.openDB(dbPath);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
+  if (!archive_.openForAction(dbPath))
     return false;
-  }
   // The view lived on the connection that closed; the statement head still names it.
   if (!builder_.searchViewSQL.isEmpty()) {
     const archive::ExecResult result = archive_.exec(builder_.searchViewSQL);

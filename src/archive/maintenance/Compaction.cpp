@@ -12,11 +12,8 @@ Compaction::Compaction(archive::Archive& archive, platform::Progress& progress)
 bool Compaction::compactDB(const QString& dbPath) {
   if (archive_.storeRunUnderWay)
     return false;
-  archive_.openDB(dbPath);
-  if (archive_.openFailed) {
-    archive_.openFailed = false;
+  if (!archive_.openForAction(dbPath))
     return false;
-  }
   progress_.open(QStringLiteral("Compacting database..."));
   const archive::ExecResult result = archive_.exec(QStringLiteral("vacuum"));
   reportOnStandardError(result);
