@@ -8,8 +8,6 @@
 //   FORMAT N messages: listed in S s, exported in S s = R messages/s; peak RSS A MB after
 //   listing, B MB after exporting
 // Exit status 0, or 1 when the archive cannot be opened or the export fails.
-#include <sys/resource.h>
-
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <cstdio>
@@ -17,52 +15,13 @@
 #include "archive/Archive.h"
 #include "archive/Statements.h"
 #include "export/ExportFormat.h"
-#include "platform/Dialogs.h"
-#include "platform/Progress.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
-
-namespace {
+#include "support/BenchPorts.h"
 
 using namespace quillery;
-
-// Alerts on standard error; every panel cancelled.
-class BenchDialogs : public platform::Dialogs {
- public:
-  int showAlert(const platform::Alert& alert) override {
-    std::fprintf(stderr, "%s\n", alert.message.toUtf8().constData());
-    return 0;
-  }
-  QString runSavePanel(const platform::SavePanel&) override { return {}; }
-  QStringList runOpenPanel(const platform::OpenPanel&) override { return {}; }
-};
-
-class SilentProgress : public platform::Progress {
- public:
-  void open(const QString&) override {}
-  void setTitle(const QString&) override {}
-  void showCount(const QString&) override {}
-  void showItem(const QString&) override {}
-  void setRunControlsVisible(bool, RunControls) override {}
-  void close() override {}
-};
-
-double peakMegabytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss / 1024.0;
-}
-
-// Processor time (user and system) so far: unlike the wall clock, it does not depend on what
-// else the machine runs.
-double processorSeconds() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-         (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
-}  // namespace
+using bench::peakMegabytes;
+using bench::processorSeconds;
 
 int main(int argc, char** argv) {
   QCoreApplication app(argc, argv);
@@ -77,8 +36,8 @@ int main(int argc, char** argv) {
     std::fputs("export-bench: unknown format\n", stderr);
     return 2;
   }
-  BenchDialogs dialogs;
-  SilentProgress progress;
+  bench::BenchDialogs dialogs;
+  bench::SilentProgress progress;
   platform::QtFiles files;
   archive::Archive archive(dialogs, files);
   search::ResultList list(archive, dialogs, progress);

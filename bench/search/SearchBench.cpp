@@ -34,9 +34,7 @@
 #include "app/TextViewWithLinks.h"
 #include "archive/Archive.h"
 #include "archive/Statements.h"
-#include "platform/Dialogs.h"
 #include "platform/Pasteboard.h"
-#include "platform/Progress.h"
 #include "platform/Workspace.h"
 #include "platform/qt/QtFiles.h"
 #include "search/CategoryList.h"
@@ -46,30 +44,18 @@
 #include "search/ResultList.h"
 #include "search/SearchQueryBuilder.h"
 #include "search/Tagging.h"
+#include "support/BenchPorts.h"
 
 namespace {
 
 using namespace quillery;
 
 // Ports that answer every question with its default button and show nothing.
-class Quiet : public platform::Dialogs,
-              public platform::Progress,
+class Quiet : public bench::BenchDialogs,
+              public bench::SilentProgress,
               public platform::Workspace,
               public platform::Pasteboard {
  public:
-  int showAlert(const platform::Alert& alert) override {
-    if (alert.style == platform::AlertStyle::Critical)
-      std::fprintf(stderr, "alert: %s\n", qPrintable(alert.message));
-    return 0;
-  }
-  QString runSavePanel(const platform::SavePanel&) override { return {}; }
-  QStringList runOpenPanel(const platform::OpenPanel&) override { return {}; }
-  void open(const QString&) override {}
-  void setTitle(const QString&) override {}
-  void showCount(const QString&) override {}
-  void showItem(const QString&) override {}
-  void setRunControlsVisible(bool, RunControls) override {}
-  void close() override {}
   bool openFile(const QString&) override { return false; }
   bool openUrl(const QUrl&) override { return false; }
   void setText(const QString&) override {}

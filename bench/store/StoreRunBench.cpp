@@ -26,10 +26,9 @@
 #include "archive/Archive.h"
 #include "archive/Statements.h"
 #include "ingest/StoreRun.h"
-#include "platform/Dialogs.h"
-#include "platform/Progress.h"
 #include "platform/qt/QtFiles.h"
 #include "search/ResultList.h"
+#include "support/BenchPorts.h"
 
 namespace {
 
@@ -114,17 +113,6 @@ int runTool(const char* runLog, int messages) {
 
 // ---- the measuring side -------------------------------------------------------------------
 
-class SilentDialogs : public platform::Dialogs {
- public:
-  int showAlert(const platform::Alert& alert) override {
-    if (alert.style == platform::AlertStyle::Critical)
-      std::fprintf(stderr, "alert: %s\n", qPrintable(alert.message));
-    return 0;
-  }
-  QString runSavePanel(const platform::SavePanel&) override { return {}; }
-  QStringList runOpenPanel(const platform::OpenPanel&) override { return {}; }
-};
-
 // Resident memory now, from /proc.
 double residentMegabytes() {
   long pages = 0, resident = 0;
@@ -158,23 +146,8 @@ class StampingProgress : public platform::Progress {
   QMap<int, double> resident;
 };
 
-double peakMegabytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss / 1024.0;
-}
-
-// Processor seconds (user and system) of this process or of its ended children: unlike the
-// wall clock they do not depend on what else the machine is doing.
-double cpuSeconds(int who) {
-  rusage usage{};
-  getrusage(who, &usage);
-  const auto seconds = [](const timeval& t) { return t.tv_sec + t.tv_usec / 1e6; };
-  return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
 void storePass(const char* name, const QString& dbPath, int messages) {
-  SilentDialogs dialogs;
+  bench::BenchDialogs dialogs;
   StampingProgress progress;
   platform::QtFiles files;
   archive::Archive archive(dialogs, files);
@@ -195,17 +168,17 @@ void storePass(const char* name, const QString& dbPath, int messages) {
     summary = text;
     loop.quit();
   });
-  const double selfBefore = cpuSeconds(RUSAGE_SELF);
-  const double toolBefore = cpuSeconds(RUSAGE_CHILDREN);
+  const double selfBefore = bench::processorSeconds(RUSAGE_SELF);
+  const double toolBefore = bench::processorSeconds(RUSAGE_CHILDREN);
   progress.clock.start();
   if (!run.start(request))
     return;
   loop.exec();
   const double seconds = progress.clock.nsecsElapsed() / 1e9;
   std::printf("%s pass: %d messages in %.2f s = %.0f messages/s, peak RSS %.1f MB\n", name,
-              messages, seconds, messages / seconds, peakMegabytes());
-  const double self = cpuSeconds(RUSAGE_SELF) - selfBefore;
-  const double tool = cpuSeconds(RUSAGE_CHILDREN) - toolBefore;
+              messages, seconds, messages / seconds, bench::peakMegabytes());
+  const double self = bench::processorSeconds(RUSAGE_SELF) - selfBefore;
+  const double tool = bench::processorSeconds(RUSAGE_CHILDREN) - toolBefore;
   std::printf("  processor time: %.0f us per message here, %.0f us in the stand-in tool\n",
               self / messages * 1e6, tool / messages * 1e6);
   const auto& t = progress.stamps;
@@ -222,7 +195,7 @@ void storePass(const char* name, const QString& dbPath, int messages) {
 }
 
 void listPass(const QString& dbPath) {
-  SilentDialogs dialogs;
+  bench::BenchDialogs dialogs;
   StampingProgress progress;
   platform::QtFiles files;
   archive::Archive archive(dialogs, files);
