@@ -34,8 +34,6 @@ bool Deletion::deleteSelected(const QList<int>& selectedDisplayRows) {
     return false;
   if (!run(What::Messages, selectedDisplayRows))
     return false;
-  progress_.close();
-  progress_.setRunControlsVisible(false, RunControls::Count);
   list_.deleteFromList(selectedDisplayRows);
   return true;
 }
@@ -49,8 +47,6 @@ bool Deletion::deleteAll() {
     everyRow.append(row);
   if (!run(What::Messages, everyRow))
     return false;
-  progress_.close();
-  progress_.setRunControlsVisible(false, RunControls::Count);
   list_.removeAll();
   return true;
 }
@@ -62,8 +58,6 @@ bool Deletion::deleteAttachments(const QList<int>& selectedDisplayRows) {
     return false;
   if (!run(What::Attachments, selectedDisplayRows))
     return false;
-  progress_.close();
-  progress_.setRunControlsVisible(false, RunControls::Count);
   dialogs_.inform(QString(),
                   QStringLiteral("The attachments have been deleted from the database for the "
                                  "selected email in the list."));
@@ -93,6 +87,8 @@ bool Deletion::run(What what, const QList<int>& displayRows) {
     progress_.doProgressCount(++done, 10);
   }
   reportOnStderr(archive_.exec(QStringLiteral("COMMIT TRANSACTION")));
+  progress_.close();
+  progress_.setRunControlsVisible(false, RunControls::Count);
   return true;
 }
 

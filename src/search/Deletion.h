@@ -37,8 +37,10 @@ class Deletion {
 
  private:
   enum class What { Messages, Attachments };
-  // The confirmation, the transaction and the loop shared by the three actions; false when
-  // the user cancelled or a statement failed.
+
+  // The transaction and the loop shared by the three actions, closing the progress panel when
+  // they succeed; false when the archive is busy or cannot be opened, or a statement failed
+  // (the transaction is then left open and the panel shown).
   bool run(What what, const QList<int>& displayRows);
   bool deleteOne(What what, int id);
 
