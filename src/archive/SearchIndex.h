@@ -69,12 +69,12 @@ class SearchIndex : public QObject {
   // missing) and compares its fingerprint with the archive's. Cheap: it reads a few rows.
   void attach();
   // Before the connection closes: a transaction left open is rolled back (as closing would),
-  // the noted messages are added, and when no other connection has committed to the archive
-  // or the side file since it was attached, the archive's fingerprint is written, so that the next
-  // open finds the index current.
+  // and when no other connection has committed to the archive or the side file since it was
+  // attached, the noted messages (still to be indexed) are kept in the side file with the
+  // archive's fingerprint, so that the next open finds the index current but for them.
   void detach();
-  // The archive at this path is about to be replaced by another file (a restore): the side
-  // file is removed, and this connection stops keeping it.
+  // The archive at this path is about to be replaced by another file (a restore, an export or
+  // a backup over it): the side file is removed, and this connection stops keeping it.
   void forget(const QString& archivePath);
 
   State state() const { return state_; }
