@@ -5,7 +5,10 @@
 # second 10,000 to the first 10,000, the peak memory of each pass and the listing seconds.
 # Storing only notes the new messages for the search index; the seconds that the first
 # search then takes to add them (the search index catching up) and the sizes of the archive
-# and of its index are printed after the passes.
+# and of its index are printed after the passes. With IDLE_LOAD=1 the first pass is repeated
+# into another fresh archive beside a busy loop of idle priority (SCHED_IDLE, so that it only
+# takes processor time that nothing else wants): how much work done alongside a run slows it
+# on this machine, whatever that work is.
 #
 #   bench/store/store-bench.sh BUILD_DIR MBOX [SMALL_MBOX]
 #
@@ -40,6 +43,13 @@ store_pass second "$db" "$mbox"
 start=$(date +%s%N)
 "$cli" search --archive "$db" --body x >/dev/null
 catch_up=$(( ($(date +%s%N) - start) / 1000000 ))
+if [[ "${IDLE_LOAD:-}" == 1 ]]; then
+  chrt --idle 0 sh -c 'while :; do :; done' &
+  load=$!
+  rm -f "$work/loaded.db" "$work/loaded.db".*
+  store_pass loaded "$work/loaded.db" "$mbox"
+  kill "$load"
+fi
 if [[ -n "$small" ]]; then
   rm -f "$work/small.db" "$work/small.db".*
   store_pass small "$work/small.db" "$small"
@@ -103,6 +113,8 @@ report("first")
 report("second")
 listing = read("list.out")
 print("list: " + " ".join(listing.split("\n")).strip())
+if os.path.exists(os.path.join(work, "loaded.summary")):
+    report("loaded")
 if os.path.exists(os.path.join(work, "small.summary")):
     report("small")
 PY
