@@ -78,8 +78,8 @@ long long Archive::lastInsertRowId() const {
   return archiveConnection ? sqlite3_last_insert_rowid(archiveConnection) : 0;
 }
 
-void Archive::openDB(const QString& dbPath) {
-  const OpenStatus status = openArchive(dbPath);
+void Archive::openDB(const QString& dbPath, IndexUse indexUse) {
+  const OpenStatus status = openArchive(dbPath, indexUse);
   if (status.ok())
     return;
   reportOpenFailure(status, dbPath);
@@ -93,7 +93,7 @@ bool Archive::openForAction(const QString& dbPath) {
   return opened;
 }
 
-OpenStatus Archive::openArchive(const QString& dbPath) {
+OpenStatus Archive::openArchive(const QString& dbPath, IndexUse indexUse) {
   OpenStatus status = openFile(dbPath);
   if (!status.ok())
     return status;
@@ -105,7 +105,7 @@ OpenStatus Archive::openArchive(const QString& dbPath) {
   if (!hasCurrentFormat())
     return {OpenStatus::Outcome::OldFormat, 0, {}};
   status = createMissingTables();
-  if (status.ok())
+  if (status.ok() && indexUse == IndexUse::Attach)
     searchIndex_.attach();
   return status;
 }

@@ -64,12 +64,16 @@ class Archive : public IdListState {
   Archive(const Archive&) = delete;
   Archive& operator=(const Archive&) = delete;
 
+  // Whether an open archive gets its search index (SearchIndex::attach): a file opened only
+  // to be read from, such as the other file of a merge, is left without a side file.
+  enum class IndexUse { Attach, Leave };
+
   // Closes whatever connection is open, opens the archive file at dbPath (creating it when
   // missing), stamps it with the application's creator and type, checks its format and
   // creates the tables it lacks, then attaches its search index. On failure it shows the
   // alert the user needs and raises openFailed, which it never clears; nothing is written
   // except tables created before the failing step.
-  void openDB(const QString& dbPath);
+  void openDB(const QString& dbPath, IndexUse indexUse = IndexUse::Attach);
   // openDB for an action that gives up when the archive cannot be opened: answers false when
   // openFailed is raised afterwards (also when an earlier failure left it raised) and lowers
   // it, so that the next action starts afresh.
@@ -78,7 +82,7 @@ class Archive : public IdListState {
   // decides what to tell the user (reportOpenFailure gives openDB's alerts). On failure the
   // connection may be left open (a file of the old format, or one whose table could not be
   // made) or closed (a file that could not be opened).
-  OpenStatus openArchive(const QString& dbPath);
+  OpenStatus openArchive(const QString& dbPath, IndexUse indexUse = IndexUse::Attach);
   // The steps of openArchive one by one. openFile closes whatever connection is open, opens
   // the file (SQLite creates an empty one when it is missing) and stamps it; a failed open
   // leaves no connection. hasCurrentFormat probes for the numAttach column (false also when

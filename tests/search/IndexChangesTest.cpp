@@ -91,11 +91,14 @@ TEST_F(IndexChangesTest, MergedMessagesAreFound) {
   find("kitchen");
   const QString other = dir.filePath(QStringLiteral("other.db"));
   storeInto(other, {mbox("other.mbox", "zebrafinch")});
+  QFile::remove(other + QStringLiteral(".index"));
   maintenance::DatabaseMerge merge(archive, list, dialogs, progress);
   dialogs.setNextAnswer(0);
   ASSERT_TRUE(merge.mergeFile(dbPath, other));
   EXPECT_EQ(find("zebrafinch"), scanned("zebrafinch"));
   EXPECT_EQ(find("zebrafinch").size(), 1);
+  // The other file was only read from: no side file is left beside it.
+  EXPECT_FALSE(QFile::exists(other + QStringLiteral(".index")));
 }
 
 TEST_F(IndexChangesTest, AConvertedArchiveIsIndexed) {

@@ -80,7 +80,7 @@ void DatabaseMerge::clearVisibleState(const QString& dbPath) {
 }
 
 bool DatabaseMerge::openBoth(const QString& dbPath, const QString& mergePath) {
-  archive_.openDB(mergePath);
+  archive_.openDB(mergePath, archive::Archive::IndexUse::Leave);
   if (!archive_.openFailed) {
     archive_.close();
     archive_.openDB(dbPath);
