@@ -16,4 +16,19 @@ bool registerFts5Tokenizer(sqlite3* connection, const char* name, void* context,
   return api->xCreateTokenizer(api, name, context, tokenizer, nullptr) == SQLITE_OK;
 }
 
+QByteArray documentTokens(const fts5_tokenizer& tokenizer, void* context, QByteArrayView text) {
+  Fts5Tokenizer* instance = nullptr;
+  QByteArray tokens;
+  if (tokenizer.xCreate(context, nullptr, 0, &instance) != SQLITE_OK)
+    return tokens;
+  const auto take = [](void* out, int, const char* token, int size, int, int) {
+    static_cast<QByteArray*>(out)->append(token, size).append('\n');
+    return SQLITE_OK;
+  };
+  tokenizer.xTokenize(instance, &tokens, FTS5_TOKENIZE_DOCUMENT, text.data(), int(text.size()),
+                      take);
+  tokenizer.xDelete(instance);
+  return tokens;
+}
+
 }  // namespace quillery::archive

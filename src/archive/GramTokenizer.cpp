@@ -102,6 +102,10 @@ bool GramTokenizer::registerWith(sqlite3* connection) {
   return registerFts5Tokenizer(connection, kName, nullptr, &kTokenizer);
 }
 
+QByteArray GramTokenizer::documentTriples(QByteArrayView text) {
+  return documentTokens(kTokenizer, nullptr, text);
+}
+
 QList<QByteArray> GramTokenizer::likeGrams(const QString& pattern) {
   const QByteArray utf8 = pattern.toUtf8();
   const auto* z = reinterpret_cast<const unsigned char*>(utf8.constData());

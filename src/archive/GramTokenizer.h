@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QList>
 #include <QString>
 
@@ -26,6 +27,8 @@ class GramTokenizer {
 
   // Registers the tokenizer with FTS5 on this connection; false when FTS5 is not available.
   static bool registerWith(sqlite3* connection);
+  // The triple tokens that a document of this text gives, each followed by a line break.
+  static QByteArray documentTriples(QByteArrayView text);
 
   // The triples that every text the LIKE pattern matches (SQLite's LIKE, no ESCAPE clause)
   // holds, as UTF-8 texts of three code points for an FTS5 query (which this tokenizer turns

@@ -13,7 +13,21 @@ namespace quillery::archive {
 namespace {
 
 // The layout of the side file; a side file of another layout is made anew.
-constexpr long long kFormat = 6;
+constexpr long long kFormat = 7;
+// A text that touches every rule of the tokenizers: ASCII letters in both cases, letters that
+// LIKE does not fold, Greek and Cyrillic, digits and the underscore, a malformed byte, words of
+// two and three characters, and a word long enough to be cut into pieces. What they make of it
+// is kept in the side file, so that a file whose words were read by other rules is made anew
+// even where the format number was not raised with them.
+constexpr char kProbeText[] =
+    "Zeppelin ZEPP \xc3\xa9t\xc3\xa9 \xc3\x89T\xc3\x89 \xce\xa9\xce\xbc\xce\xad\xce\xb3\xce\xb1 "
+    "\xd0\x9f\xd1\x80\xd0\xb8\xd0\xb2\xd0\xb5\xd1\x82 q3_2024 ab abc x\xff\xfe"
+    "y supercalifragilisticexpialidocious-pneumonoultramicroscopicsilicovolcanoconiosis";
+
+QByteArray rulesProbe() {
+  const QByteArrayView text(kProbeText);
+  return WordTokenizer::documentWords(text) + '|' + GramTokenizer::documentTriples(text);
+}
 // The FTS5 tables collect this many bytes in memory before they write a segment: fewer,
 // larger segments cost less merging.
 constexpr int kPendingBytes = 16 * 1024 * 1024;
@@ -86,9 +100,9 @@ bool IndexFile::run(const QString& sql) {
 
 IndexFile::Schema IndexFile::makeSchema() {
   {
-    PreparedStatement format(connection_, QStringLiteral("SELECT format FROM meta"));
+    PreparedStatement format(connection_, QStringLiteral("SELECT format,probe FROM meta"));
     const bool read = format.step();
-    if (read && format.integer(0) != kFormat)
+    if (read && (format.integer(0) != kFormat || format.bytes(1) != rulesProbe()))
       return Schema::Foreign;
     if (!read) {
       const int code = format.ok() ? format.error() : sqlite3_errcode(connection_);
@@ -101,8 +115,11 @@ IndexFile::Schema IndexFile::makeSchema() {
         return Schema::Foreign;
       QStringList statements = {
           QStringLiteral("CREATE TABLE meta(format INTEGER,state TEXT,built_upto INTEGER,"
-                         "counter INTEGER,pages INTEGER,identity TEXT,dropped INTEGER)"),
-          QStringLiteral("INSERT INTO meta VALUES(%1,'stale',0,NULL,NULL,NULL,0)").arg(kFormat),
+                         "counter INTEGER,pages INTEGER,identity TEXT,dropped INTEGER,"
+                         "probe BLOB)"),
+          QStringLiteral("INSERT INTO meta VALUES(%1,'stale',0,NULL,NULL,NULL,0,X'%2')")
+              .arg(kFormat)
+              .arg(QString::fromLatin1(rulesProbe().toHex())),
           QStringLiteral("CREATE TABLE pending(id INTEGER PRIMARY KEY)")};
       for (const char* column : kColumnNames) {
         const QString table = tableOf(QLatin1String(column));

@@ -164,6 +164,11 @@ bool WordTokenizer::registerWith(sqlite3* connection, Seen* seen) {
   return registerFts5Tokenizer(connection, kName, seen, &kTokenizer);
 }
 
+QByteArray WordTokenizer::documentWords(QByteArrayView text) {
+  Seen seen;
+  return documentTokens(kTokenizer, &seen, text);
+}
+
 QList<QByteArray> WordTokenizer::likeRuns(const QString& pattern) {
   const QByteArray utf8 = pattern.toUtf8();
   const auto* z = reinterpret_cast<const unsigned char*>(utf8.constData());

@@ -65,6 +65,8 @@ class WordTokenizer {
   // Registers the tokenizer with FTS5 on this connection, noting words in `seen` (which must
   // outlive the connection); false when FTS5 is not available.
   static bool registerWith(sqlite3* connection, Seen* seen);
+  // The words that a document of this text gives, each followed by a line break.
+  static QByteArray documentWords(QByteArrayView text);
 
   // The runs of word characters of three or more characters in the literal text of a LIKE
   // pattern (SQLite's LIKE, no ESCAPE clause; "%" and "_" end a run), folded and as UTF-8, each

@@ -201,6 +201,21 @@ TEST_F(IndexChangesTest, AnIndexThatAnotherQuilleryEmptiedIsNotTakenForCurrent) 
   archive.exec(QStringLiteral("COMMIT"));
 }
 
+TEST_F(IndexChangesTest, AnIndexWhoseWordsWereReadByOtherRulesIsMadeAgain) {
+  storeInto(dbPath, {mbox("mail.mbox")});
+  const QList<int> kitchen = find("kitchen");
+  archive.close();
+  // As a side file of a version whose tokenizers read words otherwise, with the same format.
+  ASSERT_EQ(test::execOn(dbPath + ".index", "UPDATE meta SET probe=X'00'"), QString());
+  {
+    archive::Archive next(dialogs, files);
+    next.openDB(dbPath);
+    EXPECT_EQ(next.searchIndex().state(), archive::SearchIndex::State::Stale);
+  }
+  EXPECT_EQ(find("kitchen"), kitchen);
+  EXPECT_EQ(archive.searchIndex().state(), archive::SearchIndex::State::Current);
+}
+
 TEST_F(IndexChangesTest, TheArchiveKeepsItsFourTablesAndABrokenSideFileIsMadeAgain) {
   storeInto(dbPath, {mbox("mail.mbox")});
   find("kitchen");
